@@ -30,9 +30,7 @@ inline constexpr ulong npos = ~ulong{0};
 
 /// A length of the standard library as a length of ours. What does not fit saturates just below `npos`, so that it
 /// neither wraps nor turns into "unknown".
-constexpr ulong toLength(std::size_t n) noexcept {
-    return n < npos ? static_cast<ulong>(n) : npos - 1;
-}
+constexpr ulong toLength(std::size_t n) noexcept { return n < npos ? static_cast<ulong>(n) : npos - 1; }
 
 /// Tag that stands for an absent value.
 struct null_type {};
