@@ -203,7 +203,7 @@ TYPED_TEST(NumberText, PrintsAsTheStreamAndReadsItBack) {
     for (T v : {Limits::min(), Limits::max(), Limits::lowest(), T(0), T(1), start<T>(), Limits::infinity(),
                 Limits::quiet_NaN(), Limits::denorm_min(), Limits::epsilon()}) {
         peer.print(v);
-        if constexpr (std::signed_integral<T> || std::floating_point<T>) peer.print(static_cast<T>(-v));
+        if constexpr (std::floating_point<T>) peer.print(-v);
     }
     Random random(2);
     for (int i = 0; i < 60000; ++i) {

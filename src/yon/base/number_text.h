@@ -9,6 +9,7 @@
 #include <cmath>
 #include <concepts>
 #include <cstdint>
+#include <cstdio>
 #include <limits>
 #include <type_traits>
 
@@ -30,6 +31,8 @@ inline char * formatReal(char * first, double value) noexcept {
             return std::to_chars(first, first + numberRoom, whole).ptr;
         }
     }
+    // The C library beneath the stream decides whether a NaN shows its sign. No locale has a part in this.
+    if (!std::isfinite(value)) return first + std::snprintf(first, numberRoom, "%g", value);
     return std::to_chars(first, first + numberRoom, value, std::chars_format::general, 6).ptr;
 }
 
