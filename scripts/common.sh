@@ -11,6 +11,9 @@ cache=${XDG_CACHE_HOME:-${HOME:-/root}/.cache}/zuvyon
 windows_triplet=i686-w64-mingw32
 windows_compiler=$windows_triplet-g++-posix
 
+# What the undefined-behaviour sanitizer finds comes with the call stack.
+export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1}
+
 say() { printf '%s: %s\n' "$program" "$*"; }
 
 die() {
@@ -35,8 +38,6 @@ configure_and_build() {
     if [[ -z ${CMAKE_CXX_COMPILER_LAUNCHER:-} ]] && command -v ccache >/dev/null; then
         export CMAKE_CXX_COMPILER_LAUNCHER=ccache
     fi
-    say "configuring $preset in build/$preset"
-    (cd "$root" && cmake --preset "$preset" "$@")
-    say "building $preset"
-    (cd "$root" && cmake --build --preset "$preset" --parallel "$(jobs)")
+    say "configuring and building $preset in build/$preset"
+    (cd "$root" && cmake --preset "$preset" "$@" && cmake --build --preset "$preset" --parallel "$(jobs)")
 }
