@@ -20,8 +20,10 @@ struct istr : detail::view_base<istr, char> {
     constexpr istr(std::nullptr_t, ulong = npos) noexcept {}
     istr(char const * s, ulong n = npos) noexcept : view_base(s, n) {}
     istr(unsigned char const * s, ulong n = npos) noexcept : view_base(reinterpret_cast<char const *>(s), n) {}
-    istr(std::string const & s) noexcept : view_base(s.data(), toLength(s.size())) {}
-    istr(std::string_view s) noexcept : view_base(s.data(), toLength(s.size())) {}
+    /// Of exactly the standard types: `String` brings its own conversion, and two ways would be one too many.
+    template <class S>
+    requires std::same_as<S, std::string> || std::same_as<S, std::string_view> istr(S const & s)
+    noexcept : view_base(s.data(), toLength(s.size())) {}
     /// The first `n` characters of `s`, or all.
     istr(istr const & s, ulong n) noexcept : istr(s.leftstr(n)) {}
 
