@@ -11,7 +11,7 @@ namespace yon::pml {
 class YON_API File {
 public:
     File() = default;
-    explicit File(istr name) : filename_(name) {}
+    File(istr name) : filename_(name) {}
     File & operator=(istr name) {
         filename_ = name;
         return *this;

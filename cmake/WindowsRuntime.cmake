@@ -1,0 +1,12 @@
+# The compiler's run-time DLLs: copied beside the programs in the build tree, and installed with the library.
+set(yon_runtime_dlls)
+foreach(dll libgcc_s_dw2-1.dll libstdc++-6.dll libwinpthread-1.dll)
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll} OUTPUT_VARIABLE path
+    OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  if(NOT EXISTS ${path})
+    message(FATAL_ERROR "${CMAKE_CXX_COMPILER} has no ${dll}; the variant with POSIX threads is needed")
+  endif()
+  list(APPEND yon_runtime_dlls ${path})
+endforeach()
+file(COPY ${yon_runtime_dlls} DESTINATION ${PROJECT_BINARY_DIR}/bin)
+install(FILES ${yon_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})

@@ -1,0 +1,10 @@
+# Each public header compiles alone, with no include path but that of the public headers.
+file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/include/*.h)
+set(sources)
+foreach(header IN LISTS headers)
+  set(source ${CMAKE_CURRENT_BINARY_DIR}/header_self_contained/${header}.cpp)
+  file(CONFIGURE OUTPUT ${source} CONTENT "#include \"@header@\"\n" @ONLY)
+  list(APPEND sources ${source})
+endforeach()
+add_library(header_self_contained OBJECT ${sources})
+target_link_libraries(header_self_contained PRIVATE yon_warnings zuvyon)
