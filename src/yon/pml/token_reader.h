@@ -127,8 +127,16 @@ private:
         return table;
     }();
 
+    static bool isSpecial(char c) noexcept { return special[static_cast<unsigned char>(c)]; }
+
     char const * plainEnd(char const * p) const noexcept {
-        while (p != end_ && !special[static_cast<unsigned char>(*p)]) ++p;
+        for (; end_ - p >= 4; p += 4) {
+            if (isSpecial(p[0])) return p;
+            if (isSpecial(p[1])) return p + 1;
+            if (isSpecial(p[2])) return p + 2;
+            if (isSpecial(p[3])) return p + 3;
+        }
+        while (p != end_ && !isSpecial(*p)) ++p;
         return p;
     }
 
