@@ -1,0 +1,159 @@
+// Numbers to text and back, exactly as a stream of the classic locale does it, without the stream.
+//
+// The library's number texts follow the standard streams with default flags, whatever locale the process has set.
+// These functions give the same bytes, values and verdicts at the speed of std::to_chars and std::from_chars: no
+// stream, no locale, no allocation, no terminator needed. Reentrant.
+#pragma once
+
+#include <charconv>
+#include <cmath>
+#include <concepts>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+#include <type_traits>
+
+#include "yon/base/istr.h"
+
+namespace yon::detail {
+
+/// The room that `formatNumber` may use.
+inline constexpr std::size_t numberRoom = 32;
+
+template <class T>
+concept CharacterType = std::same_as<T, char> || std::same_as<T, signed char> || std::same_as<T, unsigned char>;
+
+inline char * formatReal(char * first, double value) noexcept {
+    // Small whole numbers are the usual case and need no floating-point printing. A negative zero keeps its sign.
+    if (value > -1e6 && value < 1e6) {
+        int const whole = static_cast<int>(value);
+        if (whole == value && (whole != 0 || !std::signbit(value))) {
+            return std::to_chars(first, first + numberRoom, whole).ptr;
+        }
+    }
+    // The C library beneath the stream decides whether a NaN shows its sign. No locale has a part in this.
+    if (!std::isfinite(value)) return first + std::snprintf(first, numberRoom, "%g", value);
+    return std::to_chars(first, first + numberRoom, value, std::chars_format::general, 6).ptr;
+}
+
+/// Writes `value` as `std::ostream <<` with default flags does: integers in decimal, `bool` as 0 or 1, floating point
+/// with six significant digits, character types as the character. No terminator. Returns the end of the text.
+/// REQUIRES: `numberRoom` bytes at `first`.
+template <class T>
+char * formatNumber(char * first, T value) noexcept {
+    static_assert(std::is_arithmetic_v<T> && sizeof(T) <= sizeof(double));
+    if constexpr (CharacterType<T>) {
+        *first = static_cast<char>(value);
+        return first + 1;
+    } else if constexpr (std::same_as<T, bool>) {
+        *first = value ? '1' : '0';
+        return first + 1;
+    } else if constexpr (std::integral<T>) {
+        return std::to_chars(first, first + numberRoom, value).ptr;
+    } else {
+        return formatReal(first, value);
+    }
+}
+
+inline char const * skipBlanks(char const * p, char const * end) noexcept {
+    while (p != end && (*p == ' ' || (*p >= '\t' && *p <= '\r'))) ++p;
+    return p;
+}
+
+inline bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+
+/// Steps over a sign and tells whether it was a minus. REQUIRES: `p != end`.
+inline bool takeSign(char const *& p) noexcept {
+    bool const negative = *p == '-';
+    if (negative || *p == '+') ++p;
+    return negative;
+}
+
+template <class T>
+bool parseInteger(char const * p, char const * end, T & value) noexcept {
+    using Limits = std::numeric_limits<T>;
+    using Magnitude = std::make_unsigned_t<T>;
+    bool const negative = takeSign(p);
+    Magnitude magnitude = 0;
+    std::errc const error = std::from_chars(p, end, magnitude).ec;
+    Magnitude const greatest =
+        static_cast<Magnitude>(Limits::max()) + static_cast<Magnitude>(std::is_signed_v<T> && negative);
+    if (error == std::errc::invalid_argument) {
+        value = 0;
+        return false;
+    }
+    if (error != std::errc() || magnitude > greatest) {
+        value = std::is_signed_v<T> && negative ? Limits::min() : Limits::max();
+        return false;
+    }
+    // A negated unsigned number wraps, as the stream has it.
+    value = static_cast<T>(negative ? Magnitude{0} - magnitude : magnitude);
+    return true;
+}
+
+/// Whether a number that no floating-point type holds is too large (otherwise it is too small): the sign of its
+/// decimal exponent tells. REQUIRES: `p` at the first digit or point of such a number.
+inline bool isTooLarge(char const * p, char const * end) noexcept {
+    while (p != end && *p == '0') ++p;
+    char const * const whole = p;
+    while (p != end && isDigit(*p)) ++p;
+    std::ptrdiff_t exponent = p - whole;
+    if (p != end && *p == '.') {
+        char const * const fraction = ++p;
+        if (exponent == 0) {
+            while (p != end && *p == '0') ++p;
+            exponent = fraction - p;
+        }
+        while (p != end && isDigit(*p)) ++p;
+    }
+    if (p == end || (*p | 0x20) != 'e') return exponent > 0;
+    bool const negative = takeSign(++p);
+    std::int64_t written = 0;
+    if (std::from_chars(p, end, written).ec != std::errc()) return !negative;
+    return exponent + (negative ? -written : written) > 0;
+}
+
+template <class T>
+bool parseReal(char const * p, char const * end, T & value) noexcept {
+    bool const negative = takeSign(p);
+    value = 0;
+    // Neither names nor a second sign.
+    if (p == end || (!isDigit(*p) && *p != '.')) return false;
+    T magnitude = 0;
+    auto const [stop, error] = std::from_chars(p, end, magnitude);
+    if (error == std::errc::invalid_argument) return false;
+    // The stream takes an "e" for good: without digits behind it there is no number at all.
+    auto const isE = [](char c) { return (c | 0x20) == 'e'; };
+    if (stop != end && isE(*stop) && std::find_if(p, stop, isE) == stop) return false;
+    bool const overflow = std::isinf(magnitude) || (error != std::errc() && isTooLarge(p, end));
+    if (overflow) magnitude = std::numeric_limits<T>::max();
+    value = negative ? -magnitude : magnitude;
+    return !overflow;
+}
+
+/// Reads `value` as `std::istream >>` with default flags does, and tells whether the stream would not have failed.
+/// Leading white space is skipped and text after the number ignored. Without any text `value` stays; without a number
+/// it becomes 0; beyond the limits it becomes the limit; both fail. An unsigned type takes a minus and wraps. `bool`
+/// knows 0 and 1, any other number fails with true. Character types take the first character that is no blank.
+template <class T>
+bool parseNumber(istr text, T & value) noexcept {
+    static_assert(std::is_arithmetic_v<T> && sizeof(T) <= sizeof(double));
+    char const * const end = text.end();
+    char const * const p = skipBlanks(text.begin(), end);
+    if (p == end) return false;
+    if constexpr (CharacterType<T>) {
+        value = static_cast<T>(*p);
+        return true;
+    } else if constexpr (std::same_as<T, bool>) {
+        long number = 0;
+        bool const parsed = parseInteger(p, end, number);
+        value = number != 0;
+        return parsed && (number == 0 || number == 1);
+    } else if constexpr (std::integral<T>) {
+        return parseInteger(p, end, value);
+    } else {
+        return parseReal(p, end, value);
+    }
+}
+
+}  // namespace yon::detail

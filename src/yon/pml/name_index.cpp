@@ -1,0 +1,59 @@
+#include "yon/pml/name_index.h"
+
+#include "yon/base/text_hash.h"
+
+namespace yon::pml::ntv {
+
+NameIndex::NameIndex() : seed_(textHashSeed()), slots_(32) {}
+
+ulong NameIndex::find(Children const & children, istr name) {
+    catchUp(children);
+    return lookUp(children, name);
+}
+
+ulong NameIndex::lookUp(Children const & children, istr name) const noexcept {
+    Slot const * const slot = slotOf(children, name, textHash(name, seed_));
+    return slot->position == 0 ? npos : slot->position - 1;
+}
+
+ulong NameIndex::catchUp(Children const & children) {
+    ulong twin = npos;
+    for (; covered_ < children.size(); ++covered_) {
+        Unit const & child = *children[covered_];
+        if (child.name().empty()) continue;
+        if (used_ >= slots_.size() / 4 * 3) grow();
+        istr const name = child.name();
+        std::uint32_t const hash = textHash(name, seed_);
+        Slot * const slot = const_cast<Slot *>(slotOf(children, name, hash));
+        if (slot->position == 0) {
+            *slot = Slot{hash, covered_ + 1};
+            ++used_;
+        } else if (twin == npos) {
+            twin = covered_;
+        }
+    }
+    return twin;
+}
+
+/// The slot of that name, or the free one where it belongs.
+NameIndex::Slot const * NameIndex::slotOf(Children const & children, istr name, std::uint32_t hash) const noexcept {
+    std::size_t const mask = slots_.size() - 1;
+    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+        Slot const & slot = slots_[i];
+        if (slot.position == 0 || (slot.hash == hash && children[slot.position - 1]->name() == name)) return &slot;
+    }
+}
+
+void NameIndex::grow() {
+    std::vector<Slot> old(slots_.size() * 2);
+    old.swap(slots_);
+    std::size_t const mask = slots_.size() - 1;
+    for (Slot const & slot : old) {
+        if (slot.position == 0) continue;
+        std::size_t i = slot.hash & mask;
+        while (slots_[i].position != 0) i = (i + 1) & mask;
+        slots_[i] = slot;
+    }
+}
+
+}  // namespace yon::pml::ntv

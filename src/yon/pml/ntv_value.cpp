@@ -1,0 +1,153 @@
+#include <algorithm>
+#include <charconv>
+#include <ostream>
+#include <stdexcept>
+
+#include "yon/base/diagnostics.h"
+#include "yon/pml/name_index.h"
+#include "yon/pml/ntv_access.h"
+#include "yon/pml/pml_writer.h"
+
+namespace yon::pml::ntv {
+
+namespace {
+
+/// Longer lists are searched through an index.
+constexpr std::size_t longList = 12;
+
+/// Whether `key` is the text of a position, "[" and a decimal number without leading zeros and "]".
+bool isIndexText(istr key, ulong & index) noexcept {
+    if (key.size() < 3 || key[0] != '[' || key[key.size() - 1] != ']') return false;
+    char const * const begin = key.begin() + 1;
+    char const * const end = key.end() - 1;
+    if (*begin == '0' && end - begin > 1) return false;
+    auto const r = std::from_chars(begin, end, index);
+    return r.ec == std::errc() && r.ptr == end;
+}
+
+}  // namespace
+
+namespace detail {
+
+void * allocateBlock(std::size_t size) { return Slab::local().allocate(size); }
+void releaseBlock(void * p, std::size_t size) noexcept { Slab::local().release(p, size); }
+
+}  // namespace detail
+
+ValueBase::~ValueBase() { MemLeakChecker::pop(this); }
+
+StringValue::~StringValue() = default;
+
+ValueBase * StringValue::clone() const {
+    return make<StringValue>(Slab::local(), __LINE__, "yon::pml::ntv::StringValue::clone", data_);
+}
+
+std::ostream & StringValue::dump(std::ostream & os) const {
+    return os.write(data_.data(), static_cast<std::streamsize>(data_.size()));
+}
+
+ListValue::~ListValue() { clear(); }
+
+ValueBase * ListValue::clone() const {
+    Unit holder;
+    detail::Access::copyList(holder, *this);
+    return holder.popValue();
+}
+
+std::ostream & ListValue::dump(std::ostream & os) const {
+    for (Unit const * child : data_) {
+        ntvToFormattedPml(*child, os, ShowPattern::usual);
+        os << std::endl;
+    }
+    return os;
+}
+
+Unit * ListValue::at(ulong i) const {
+    if (i < data_.size()) return data_[i];
+    String message("Index too large: ");
+    message += std::to_string(i);
+    diagnostics::record(diagnostics::Level::error, "<ERROR>", {sourceFile, __LINE__, "yon::pml::ntv::ListValue::at"},
+                        message);
+    return nullptr;
+}
+
+void ListValue::push_back(Unit * const & child) {
+    data_.push_back(child);
+    plain_ = false;
+    if (NameIndex * const known = index_.load(std::memory_order_relaxed)) known->catchUp(data_);
+}
+
+void ListValue::clear() noexcept {
+    forgetNames();
+    detail::Access::destroy(data_);
+    Children().swap(data_);
+    plain_ = true;
+}
+
+/// The child with that key: its position when it is unnamed, otherwise its name.
+Unit * ListValue::find(istr key) const {
+    ulong i = 0;
+    if (isIndexText(key, i) && i < data_.size() && data_[i]->name_.empty()) return data_[i];
+    return findNamed(key);
+}
+
+Unit * ListValue::findNamed(istr name) const {
+    if (name.empty()) return nullptr;
+    if (data_.size() > longList) {
+        ulong const i = index().lookUp(data_, name);
+        return i != npos ? data_[i] : nullptr;
+    }
+    for (Unit * child : data_) {
+        if (child->name_.size() == name.size() && child->name_[0] == name[0] && child->name_ == name) return child;
+    }
+    return nullptr;
+}
+
+/// Whether the key that `child` would have as the next one is taken.
+bool ListValue::hasKeyOf(Unit const & child) const {
+    if (!child.name_.empty()) return find(child.name_) != nullptr;
+    if (plain_) return false;
+    String key("[");
+    key += std::to_string(data_.size());
+    key += ']';
+    return findNamed(key) != nullptr;
+}
+
+void ListValue::add(Unit * child, Unit * owner) {
+    data_.push_back(child);
+    child->parent_ = owner;
+    child->index_ = static_cast<ulong>(data_.size() - 1);
+    child->listed_ = true;
+    if (!child->name_.empty() && child->name_[0] == '[') plain_ = false;
+    if (NameIndex * const known = index_.load(std::memory_order_relaxed)) known->catchUp(data_);
+}
+
+/// Raises "duplicated unit" when two children have the same key.
+void ListValue::checkNames() const {
+    if (plain_) return;
+    NameIndex names;
+    bool twins = names.catchUp(data_) != npos;
+    for (std::size_t i = 0; i < data_.size() && !twins; ++i) {
+        ulong position = 0;
+        twins = isIndexText(data_[i]->name_, position) && position < data_.size() && data_[position]->name_.empty();
+    }
+    if (twins) throw std::invalid_argument("duplicated unit");
+}
+
+/// A child was renamed, or all are gone.
+void ListValue::forgetNames() noexcept {
+    plain_ = false;
+    delete index_.exchange(nullptr, std::memory_order_relaxed);
+}
+
+/// The index, made now when there is none. Of threads that make it at once the first one wins.
+NameIndex & ListValue::index() const {
+    NameIndex * known = index_.load(std::memory_order_acquire);
+    if (known != nullptr) return *known;
+    auto fresh = std::make_unique<NameIndex>();
+    fresh->catchUp(data_);
+    if (index_.compare_exchange_strong(known, fresh.get(), std::memory_order_acq_rel)) return *fresh.release();
+    return *known;
+}
+
+}  // namespace yon::pml::ntv

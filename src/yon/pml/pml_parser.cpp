@@ -1,0 +1,236 @@
+#include "yon/pml/pml_parser.h"
+
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "yon/pml/ntv_access.h"
+#include "yon/pml/token_reader.h"
+
+namespace yon::pml {
+
+namespace {
+
+using ntv::ListValue;
+using ntv::detail::Access;
+using State = pmlParserBase::PasingState;
+
+/// Builds the tree below one node. The lists that are still open stand on an explicit stack, so that depth costs
+/// memory and not stack. A node enters its list when it is complete: a failed parse leaves only complete ones.
+template <class Source>
+class TreeBuilder {
+public:
+    TreeBuilder(Source & in, Unit & root) noexcept : in_(in), slab_(Slab::local()), root_(root), node_(&root) {}
+    TreeBuilder(TreeBuilder const &) = delete;
+    TreeBuilder & operator=(TreeBuilder const &) = delete;
+
+    ~TreeBuilder() {
+        drop(node_);
+        for (OpenList const & open : open_) drop(open.node);
+    }
+
+    void build(State state) {
+        for (;;) {
+            bool const closed = state == State::PasingName && readName(state);
+            if (!closed && beginsList(state)) continue;
+            state = State::PasingName;
+            if (finish(closed)) return;
+        }
+    }
+
+private:
+    using Mark = typename Source::Mark;
+
+    /// A list that waits for more children, and the node that it belongs to.
+    struct OpenList {
+        Unit * node;
+        ListValue * list;
+        Mark start;
+    };
+
+    [[noreturn]] void raise(char const * error, Mark where) const {
+        Position const at = in_.position(where);
+        throw std::invalid_argument(std::string(error) + " at line " + std::to_string(at.line) + ", column " +
+                                    std::to_string(at.column));
+    }
+
+    bool next() { return readToken(in_, token_, tokenStart_); }
+
+    /// Reads the node's name. True when that was the end of the list instead.
+    bool readName(State & state) {
+        if (!next()) {
+            if (!in_.atEnd()) raise("get pml name token", tokenStart_);
+            start_ = tokenStart_;
+            return true;
+        }
+        nameNode();
+        if (token_.flag == pmlLexer::TokenEnd) {
+            // After a bare name the tag is read again, by the list around.
+            if (!token_.text.empty()) in_.unget();
+            return true;
+        }
+        state = token_.flag == pmlLexer::TokenColon ? State::PasingType : State::PasingValue;
+        return false;
+    }
+
+    /// Reads the type where one is due, and the value. True when the value is a list, whose first child is the node now.
+    bool beginsList(State & state) {
+        if (state == State::PasingType) {
+            if (!next()) raise("get type token", tokenStart_);
+            if (token_.flag != pmlLexer::TokenBegin) raise("not found value begin tag, token", tokenStart_);
+            Access::setType(*node_, token_.text);
+        }
+        if (!next() || token_.flag == pmlLexer::TokenEnd) {
+            setText(unquoted(trimmedRight(token_.text)));
+            return false;
+        }
+        openList();
+        nameNode();
+        state = token_.flag == pmlLexer::TokenColon ? State::PasingType : State::PasingValue;
+        return true;
+    }
+
+    void nameNode() {
+        start_ = tokenStart_;
+        Access::setName(*node_, token_.text);
+    }
+
+    void setText(istr text) {
+        if (node_->value() != nullptr) {
+            node_->setValue(text);
+        } else {
+            Access::setText(*node_, slab_, text);
+        }
+    }
+
+    void openList() {
+        // Only the root can have a value from before.
+        if (node_->value() != nullptr) delete node_->popValue();
+        open_.push_back({node_, &Access::setList(*node_, slab_), start_});
+        if (!storages_.empty()) {
+            Access::swapChildren(*open_.back().list, storages_.back());
+            storages_.pop_back();
+        }
+        node_ = nullptr;
+        newNode();
+    }
+
+    void newNode() { node_ = ntv::make<Unit>(slab_, __LINE__, "yon::pml::pmlParserBase::__doParser"); }
+
+    /// Hands the node, which is complete, to its list, and closes the lists that end here. True when the root is done.
+    bool finish(bool closed) {
+        for (;;) {
+            if (open_.empty()) return true;
+            if (!closed || !node_->name().empty()) {
+                add();
+                if (!closed) {
+                    newNode();
+                    return false;
+                }
+            } else {
+                spare();
+            }
+            closeList();
+            closed = false;
+        }
+    }
+
+    void add() {
+        OpenList const & open = open_.back();
+        if (Access::hasKeyOf(*open.list, *node_)) raise("duplicated unit", start_);
+        Access::add(*open.list, node_, open.node);
+        node_ = nullptr;
+    }
+
+    /// The last node of a list never came.
+    void spare() noexcept {
+        delete node_;
+        node_ = nullptr;
+    }
+
+    /// Gives the list storage of its exact size; the one it grew in serves the next list.
+    void closeList() {
+        OpenList const & open = open_.back();
+        if (open.list->data().capacity() != open.list->data().size()) {
+            ListValue::Children exact(open.list->data());
+            Access::swapChildren(*open.list, exact);
+            if (storages_.size() < mostStorages) {
+                exact.clear();
+                storages_.push_back(std::move(exact));
+            }
+        }
+        node_ = open.node;
+        start_ = open.start;
+        open_.pop_back();
+    }
+
+    void drop(Unit * node) noexcept {
+        if (node != &root_) delete node;
+    }
+
+    static constexpr std::size_t mostStorages = 64;
+
+    Source & in_;
+    Slab & slab_;
+    Unit & root_;
+    Unit * node_;  ///< being read; owned, unless it is the root
+    Mark start_{};
+    Token token_;
+    Mark tokenStart_{};
+    std::vector<OpenList> open_;
+    std::vector<ListValue::Children> storages_;
+};
+
+template <class Source>
+bool parse(Source & in, Unit & unit, State state) {
+    TreeBuilder<Source>(in, unit).build(state);
+    return true;
+}
+
+}  // namespace
+
+bool pmlParserBase::doParser(std::istream & in) {
+    pmlLexerIstream lexer(in);
+    LexerSource<pmlLexerIstream> source(lexer);
+    return parse(source, *unit_, state_);
+}
+
+bool pmlParserBase::doParser(char const *& text) {
+    MemorySource source(text, text + StrLen(text));
+    bool const done = parse(source, *unit_, state_);
+    text = source.mark();
+    return done;
+}
+
+bool pmlParserBase::doParser(istr text) {
+    MemorySource source(text.begin(), text.end());
+    return parse(source, *unit_, state_);
+}
+
+bool pmlParserBase::doParser(File const & file) {
+    std::ifstream in;
+    if (!file.open(in)) return false;
+    // Read until the end shows: what a file says of its length need not be true.
+    std::string text;
+    std::string block(std::size_t{64} << 10, '\0');
+    while (in.read(block.data(), static_cast<std::streamsize>(block.size())), in.gcount() > 0) {
+        text.append(block, 0, static_cast<std::size_t>(in.gcount()));
+    }
+    if (in.bad()) return false;
+    istr const content = text;
+    constexpr char const * byteOrderMark = "\xEF\xBB\xBF";
+    return doParser(content.beginWith(byteOrderMark) ? content.removeLeft(3) : content);
+}
+
+bool pmlParserBase::doParser(pmlLexer & lexer) {
+    LexerSource<pmlLexer> source(lexer);
+    return parse(source, *unit_, state_);
+}
+
+void unescapeString(String & token) {
+    istr const inner = unquoted(token);
+    if (inner.size() != token.size()) token = String(inner);
+}
+
+}  // namespace yon::pml

@@ -1,0 +1,138 @@
+#include "yon/pml/slab.h"
+
+#include <mutex>
+
+#include "yon/base/spin_lock.h"
+
+namespace yon::pml {
+
+thread_local constinit Slab Slab::local_;
+
+/// What no thread holds: magazines of each size, and rests of chunks. Constant-initialised and never destroyed, so
+/// that trees may be built and destroyed in static constructors and destructors.
+struct Slab::Depot {
+    /// The first block of a magazine.
+    struct Magazine {
+        Block * next;
+        Magazine * after;
+        unsigned count;
+    };
+    /// The first bytes of a rest.
+    struct Rest {
+        Rest * after;
+        std::size_t size;
+    };
+    static_assert(sizeof(Magazine) <= 2 * granule && sizeof(Rest) <= 2 * granule);
+
+    void put(std::size_t c, Block * blocks, unsigned count) noexcept {
+        std::lock_guard const guard(mutex);
+        magazines[c] = ::new (static_cast<void *>(blocks)) Magazine{blocks->next, magazines[c], count};
+    }
+
+    Block * take(std::size_t c, unsigned & count) noexcept {
+        std::lock_guard const guard(mutex);
+        Magazine * const m = magazines[c];
+        if (m == nullptr) return nullptr;
+        magazines[c] = m->after;
+        count = m->count;
+        return ::new (static_cast<void *>(m)) Block{m->next};
+    }
+
+    void putRest(char * p, std::size_t size) noexcept {
+        if (size < largest) return;
+        std::lock_guard const guard(mutex);
+        rests = ::new (static_cast<void *>(p)) Rest{rests, size};
+    }
+
+    char * takeRest(std::size_t & size) noexcept {
+        std::lock_guard const guard(mutex);
+        Rest * const r = rests;
+        if (r == nullptr) return nullptr;
+        rests = r->after;
+        size = r->size;
+        return reinterpret_cast<char *>(r);
+    }
+
+    static Depot & instance() noexcept {
+        static constinit Depot depot;
+        return depot;
+    }
+
+    SpinLock mutex;
+    Magazine * magazines[classes] = {};
+    Rest * rests = nullptr;
+};
+
+struct Slab::ThreadEnd {
+    ~ThreadEnd() { local().giveBack(); }
+};
+
+/// Arranges that the thread gives back what it holds when it ends.
+void Slab::watch() {
+    if (state_ != State::fresh) return;
+    static thread_local ThreadEnd atEnd;
+    static_cast<void>(&atEnd);
+    state_ = State::watched;
+    limit_ = magazine;
+}
+
+bool Slab::refill(std::size_t c) noexcept {
+    List & list = lists_[c];
+    if (list.full != nullptr) {
+        list.head = list.full;
+        list.full = nullptr;
+        list.count = magazine;
+        return true;
+    }
+    list.head = Depot::instance().take(c, list.count);
+    return list.head != nullptr;
+}
+
+void * Slab::carve(std::size_t c) {
+    std::size_t const size = (c + 1) * granule;
+    watch();
+    if (state_ == State::ended) return ::operator new(size);
+    if (chunkLeft_ < size) {
+        std::size_t left = chunkSize;
+        char * const rest = Depot::instance().takeRest(left);
+        chunk_ = rest != nullptr ? rest : static_cast<char *>(::operator new(chunkSize));
+        chunkLeft_ = left;
+    }
+    char * const p = chunk_;
+    chunk_ += size;
+    chunkLeft_ -= size;
+    return p;
+}
+
+/// The list has one block more than its limit.
+void Slab::overflow(std::size_t c) noexcept {
+    List & list = lists_[c];
+    watch();
+    if (list.count <= limit_) return;
+    Depot & depot = Depot::instance();
+    if (state_ == State::ended) {
+        depot.put(c, list.head, list.count);
+        list = List();
+        return;
+    }
+    if (list.full != nullptr) depot.put(c, list.full, magazine);
+    list.full = list.head->next;
+    list.head->next = nullptr;
+    list.count = 1;
+}
+
+void Slab::giveBack() noexcept {
+    Depot & depot = Depot::instance();
+    for (std::size_t c = 0; c < classes; ++c) {
+        List & list = lists_[c];
+        if (list.full != nullptr) depot.put(c, list.full, magazine);
+        if (list.head != nullptr) depot.put(c, list.head, list.count);
+        list = List();
+    }
+    depot.putRest(chunk_, chunkLeft_);
+    chunkLeft_ = 0;
+    limit_ = 0;
+    state_ = State::ended;
+}
+
+}  // namespace yon::pml
