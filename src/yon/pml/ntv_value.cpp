@@ -97,7 +97,8 @@ Unit * ListValue::findNamed(istr name) const {
     }
     for (Unit * child : data_) {
         String const & other = child->name_;
-        if (other.size() == name.size() && std::memcmp(other.data(), name.data(), name.size()) == 0) return child;
+        // The first character spares most calls of memcmp.
+        if (other.size() == name.size() && other[0] == name[0] && other == name) return child;
     }
     return nullptr;
 }
