@@ -27,3 +27,4 @@
 #include "yon/pml/pml_type.h"
 #include "yon/pml/pml_writer.h"
 #include "yon/pml/show.h"
+#include "yon/string/base64.h"
