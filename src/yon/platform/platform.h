@@ -1,12 +1,17 @@
-// The seam between the library and the operating system: its whole contract. `posix/` and `win32/` hold one small
-// file for each section, with nothing in it but what differs.
+// The one seam between the library and the operating system.
+//
+// Every call of the operating system stands behind a function of this header. posix/ and win32/ implement it, one
+// small file for each concern, and hold only the lines that differ. Unless stated otherwise the functions may be
+// called from any thread and let nothing out but `std::bad_alloc`.
 #pragma once
+
+#include <string>
 
 #include "yon/base/types.h"
 
 namespace yon::platform {
 
-// ---- Clocks. All may be called from any thread.
+// --- clocks ---
 
 /// Microseconds since 1970-01-01 00:00 UTC by the clock that somebody may set.
 longlong wallMicroseconds() noexcept;
@@ -25,5 +30,16 @@ struct CalendarTime {
 /// The local time, by the rules of the process's time zone, of a moment in seconds since 1970-01-01 00:00 UTC.
 /// REQUIRES: a moment within the range of 64-bit microseconds.
 CalendarTime localTime(longlong seconds) noexcept;
+
+// --- errors ---
+
+/// The system's last error code of the calling thread, apart from `errno`; 0 where there is only `errno`.
+int lastError() noexcept;
+
+/// The C library's text for a value of `errno`, whatever it says of unknown ones.
+std::string errnoText(int code);
+
+/// The system's own text for one of its error codes, on one line; empty when it has none. Leaves the last error.
+std::string systemText(int code);
 
 }  // namespace yon::platform
