@@ -41,6 +41,7 @@
 #include "yon/pml/pml_type.h"
 #include "yon/pml/pml_writer.h"
 #include "yon/pml/show.h"
+#include "yon/string/base64.h"
 #include "yon/string/filename.h"
 #include "yon/string/funcname.h"
 #include "yon/string/multi_string.h"
