@@ -38,6 +38,9 @@ YON_API String printScalar(double value);
 template <class Self, class V, class P = V>
 class scalar {
 public:
+    using value_type = V;
+    using parsed_type = P;
+
     constexpr scalar() noexcept = default;
     constexpr scalar(V value) noexcept : value_(value) {}
     scalar(String const & text) noexcept { fromString(text); }
@@ -141,6 +144,13 @@ private:
 };
 
 }  // namespace detail
+
+/// One of the scalar classes.
+template <class T>
+concept ScalarWrapper = requires {
+    typename T::value_type;
+    typename T::parsed_type;
+} && std::derived_from<T, detail::scalar<T, typename T::value_type, typename T::parsed_type>>;
 
 /// A truth value; parsed and printed as a number. Dumps as "true" or "false".
 class Bit : public detail::scalar<Bit, bool, short> {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "yon/base/bytes.h"
+#include "yon/base/leak_checker.h"
 #include "yon/base/scalars.h"
 #include "yon/base/string.h"
 #include "yon/base/time.h"
@@ -60,7 +61,7 @@ public:
     ValueBase() noexcept = default;
     ValueBase(ValueBase const &) = delete;
     ValueBase & operator=(ValueBase const &) = delete;
-    virtual ~ValueBase();
+    virtual ~ValueBase() { MemLeakChecker::pop(this); }
 
     /// True for a text, false for a list.
     virtual bool single() const = 0;
@@ -83,7 +84,6 @@ class YON_API StringValue final : public ValueBase, public detail::Pooled<String
 public:
     StringValue() = default;
     explicit StringValue(istr text) : data_(text) {}
-    ~StringValue() override;
 
     bool single() const override { return true; }
     ValueBase * clone() const override;
@@ -133,8 +133,9 @@ private:
 
     Unit * find(istr key) const;
     Unit * findNamed(istr name) const;
-    bool hasKeyOf(Unit const & child) const;
-    void add(Unit * child, Unit * owner);
+    bool tryAdd(Unit * child, Unit * owner);
+    bool takesName(istr name);
+    void append(Unit * child, Unit * owner);
     void checkNames() const;
     void forgetNames() noexcept;
     NameIndex & index() const;
@@ -142,7 +143,7 @@ private:
     Children data_;
     /// By name, made at the first look-up in a long list; looked-up lists may be shared between reading threads.
     mutable std::atomic<NameIndex *> index_{nullptr};
-    /// Every child came through `add` with a name that is no index text, and none was renamed since.
+    /// Every child came through `tryAdd` with a name that is no index text, and none was renamed since.
     bool plain_ = true;
 };
 
@@ -194,7 +195,7 @@ public:
     String & name() noexcept;
     String const & name() const noexcept { return name_; }
     Unit & name(istr name);
-    String const & type() const noexcept { return *type_; }
+    String const & type() const noexcept { return type_ != nullptr ? *type_ : String::null(); }
     Unit & type(istr type);
     ValueBase * value() const noexcept { return value_; }
     /// Takes a value. The pointer to the old one is overwritten, not deleted: take it out first with `popValue`.
@@ -224,7 +225,7 @@ public:
     istr getStringValue() const noexcept;
 
     /// No name, no type, no value.
-    bool empty() const noexcept { return name_.empty() && type_->empty() && value_ == nullptr; }
+    bool empty() const noexcept { return name_.empty() && type_ == nullptr && value_ == nullptr; }
     /// No value, or an empty text; false for every list.
     bool valueEmpty() const noexcept;
     ulong numofChildren() const noexcept;
@@ -345,7 +346,7 @@ private:
     Unit & setFloating(double value);
 
     String name_;
-    String const * type_ = &String::null();  ///< shared between nodes, or owned when `ownsType_`
+    String const * type_ = nullptr;  ///< null when empty; shared between nodes, or owned when `ownsType_`
     ValueBase * value_ = nullptr;
     Unit * parent_ = nullptr;
     ulong index_ = 0;

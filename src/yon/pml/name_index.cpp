@@ -6,31 +6,26 @@ namespace yon::pml::ntv {
 
 NameIndex::NameIndex() : seed_(textHashSeed()), slots_(32) {}
 
-ulong NameIndex::find(Children const & children, istr name) {
-    catchUp(children);
-    return lookUp(children, name);
-}
-
 ulong NameIndex::lookUp(Children const & children, istr name) const noexcept {
     Slot const * const slot = slotOf(children, name, textHash(name, seed_));
     return slot->position == 0 ? npos : slot->position - 1;
 }
 
+bool NameIndex::insert(Children const & children, istr name, ulong position) {
+    if (used_ >= slots_.size() / 8 * 5) grow();
+    std::uint32_t const hash = textHash(name, seed_);
+    Slot * const slot = const_cast<Slot *>(slotOf(children, name, hash));
+    if (slot->position != 0) return false;
+    *slot = Slot{hash, position + 1};
+    ++used_;
+    return true;
+}
+
 ulong NameIndex::catchUp(Children const & children) {
     ulong twin = npos;
     for (; covered_ < children.size(); ++covered_) {
-        Unit const & child = *children[covered_];
-        if (child.name().empty()) continue;
-        if (used_ >= slots_.size() / 4 * 3) grow();
-        istr const name = child.name();
-        std::uint32_t const hash = textHash(name, seed_);
-        Slot * const slot = const_cast<Slot *>(slotOf(children, name, hash));
-        if (slot->position == 0) {
-            *slot = Slot{hash, covered_ + 1};
-            ++used_;
-        } else if (twin == npos) {
-            twin = covered_;
-        }
+        istr const name = children[covered_]->name();
+        if (!name.empty() && !insert(children, name, covered_) && twin == npos) twin = covered_;
     }
     return twin;
 }
@@ -45,7 +40,7 @@ NameIndex::Slot const * NameIndex::slotOf(Children const & children, istr name, 
 }
 
 void NameIndex::grow() {
-    std::vector<Slot> old(slots_.size() * 2);
+    std::vector<Slot> old(slots_.size() * 4);
     old.swap(slots_);
     std::size_t const mask = slots_.size() - 1;
     for (Slot const & slot : old) {

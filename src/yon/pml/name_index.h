@@ -8,21 +8,22 @@
 
 namespace yon::pml::ntv {
 
-/// An open-addressing hash table from the names of the first `covered` children of a list to their positions. It
-/// catches up with what was appended at the next look-up. Of equal names the first child counts.
+/// An open-addressing hash table from the names of the children of a list to their positions. Of equal
+/// names the first child counts. REQUIRES: no child that is entered was removed or renamed since.
 class NameIndex {
 public:
     using Children = ListValue::Children;
 
     NameIndex();
 
-    /// The position of the child with that name, or `npos`. REQUIRES: nothing before `covered()` was removed or renamed.
-    ulong find(Children const & children, istr name);
-    /// The same without catching up, for threads that only read.
+    /// The position of the child with that name, or `npos`.
     ulong lookUp(Children const & children, istr name) const noexcept;
+    /// Enters the name of the child that will stand at `position`. False when it is taken.
+    bool insert(Children const & children, istr name, ulong position);
     /// Takes the children that were appended. The position of the first one whose name stands already, or `npos`.
     ulong catchUp(Children const & children);
-    ulong covered() const noexcept { return covered_; }
+    /// The first `n` children are entered.
+    void covered(ulong n) noexcept { covered_ = n; }
 
 private:
     struct Slot {

@@ -22,7 +22,7 @@ Unit::Unit(istr name, istr type, istr value, Unit * parent) : Unit(name, parent)
 }
 
 Unit::Unit(Unit const & o) : Unit(istr(o.name_)) {
-    setType(*o.type_);
+    setType(o.type());
     detail::Access::copyValue(*this, o);
 }
 
@@ -38,7 +38,7 @@ Unit & Unit::operator=(Unit && o) noexcept {
     if (this == &o) return *this;
     // Out of the other one first: it may stand below this node.
     String name = std::move(o.name_);
-    String const * const type = std::exchange(o.type_, &String::null());
+    String const * const type = std::exchange(o.type_, nullptr);
     bool const ownsType = std::exchange(o.ownsType_, false);
     o.renamed();
     o.name_.clear();
@@ -180,9 +180,7 @@ ulong Unit::numofChildren() const noexcept {
 
 bool Unit::addChild(Unit * child) {
     if (child == nullptr || child == this) return false;
-    ListValue & list = makeList();
-    if (list.hasKeyOf(*child)) throw std::invalid_argument("duplicated unit");
-    list.add(child, this);
+    if (!makeList().tryAdd(child, this)) throw std::invalid_argument("duplicated unit");
     return true;
 }
 
@@ -251,7 +249,7 @@ bool Unit::childrenWereUnnamedList() const noexcept {
     ListValue const * const list = listValue();
     if (list == nullptr || list->size() < 2) return false;
     for (Unit const * child : *list) {
-        if (!child->name_.empty() || child->type_->empty()) return false;
+        if (!child->name_.empty() || child->type_ == nullptr) return false;
     }
     return true;
 }
@@ -279,16 +277,16 @@ void Unit::initChildrenMap() {
 }
 
 void Unit::setType(istr type) {
-    String const * const shared = sharedTypeWord(type);
-    String const * const fresh = shared != nullptr ? shared : new String(type);
+    String const * const shared = type.empty() ? nullptr : sharedTypeWord(type);
+    String const * const own = type.empty() || shared != nullptr ? nullptr : new String(type);
     freeType();
-    type_ = fresh;
-    ownsType_ = shared == nullptr;
+    type_ = own != nullptr ? own : shared;
+    ownsType_ = own != nullptr;
 }
 
 void Unit::freeType() noexcept {
     if (ownsType_) delete type_;
-    type_ = &String::null();
+    type_ = nullptr;
     ownsType_ = false;
 }
 
@@ -321,7 +319,7 @@ ListValue & Unit::makeList() {
     auto list = std::unique_ptr<ListValue>(make<ListValue>(slab, __LINE__, func));
     if (value_ != nullptr) {
         auto first = std::unique_ptr<Unit>(make<Unit>(slab, __LINE__, func));
-        list->add(first.get(), this);
+        list->tryAdd(first.get(), this);
         first.release()->adopt(popValue());
     }
     adopt(list.release());
@@ -374,10 +372,11 @@ void Access::copyList(Unit & to, ListValue const & from) {
         job.from->checkNames();
         ListValue & list = setList(*job.to, slab);
         list.data_.reserve(job.from->data_.size());
+        list.plain_ = job.from->plain_;
         for (Unit const * child : job.from->data_) {
             Unit * const copy = make<Unit>(slab, __LINE__, "yon::pml::ntv::Unit::Unit", istr(child->name_));
-            list.add(copy, job.to);
-            copy->setType(*child->type_);
+            list.append(copy, job.to);
+            copy->setType(child->type());
             if (child->kind_ == Unit::Kind::list) {
                 jobs.push_back({static_cast<ListValue const *>(child->value_), copy});
             } else {
@@ -389,26 +388,34 @@ void Access::copyList(Unit & to, ListValue const & from) {
 
 void Access::destroy(ListValue::Children & units) noexcept {
     Slab & slab = Slab::local();
-    // The pending nodes are chained through their parent pointers: no recursion, and no memory that could run out.
+    // Nodes with lists wait in a chain through their parent pointers: no recursion, and no memory that could run out.
     Unit * pending = nullptr;
-    auto const take = [&pending](ListValue::Children & children) {
+    auto const destroyAll = [&](ListValue::Children & children) {
         for (Unit * unit : children) {
             if (unit == nullptr) continue;
-            unit->parent_ = pending;
-            pending = unit;
+            if (unit->kind_ == Unit::Kind::list) {
+                unit->parent_ = pending;
+                pending = unit;
+            } else {
+                destroyNode(slab, unit);
+            }
         }
         children.clear();
     };
-    take(units);
+    destroyAll(units);
     while (pending != nullptr) {
         Unit * const unit = pending;
         pending = unit->parent_;
-        if (unit->kind_ == Unit::Kind::list) take(static_cast<ListValue *>(unit->value_)->data_);
-        if (unit->value_ != nullptr) destroyValue(slab, unit->value_, unit->kind_);
-        unit->value_ = nullptr;
-        unit->~Unit();
-        slab.release(unit, sizeof(Unit));
+        destroyAll(static_cast<ListValue *>(unit->value_)->data_);
+        destroyNode(slab, unit);
     }
+}
+
+void Access::destroyNode(Slab & slab, Unit * unit) noexcept {
+    if (unit->value_ != nullptr) destroyValue(slab, unit->value_, unit->kind_);
+    unit->value_ = nullptr;
+    unit->~Unit();
+    slab.release(unit, sizeof(Unit));
 }
 
 void Access::destroyValue(Slab & slab, ValueBase * value, Unit::Kind kind) noexcept {

@@ -37,9 +37,8 @@ struct Access {
     /// Exchanges the list's storage with `storage`.
     static void swapChildren(ListValue & list, ListValue::Children & storage) noexcept { list.data_.swap(storage); }
 
-    static bool hasKeyOf(ListValue const & list, Unit const & child) { return list.hasKeyOf(child); }
-    /// Appends a child whose key is free.
-    static void add(ListValue & list, Unit * child, Unit * owner) { list.add(child, owner); }
+    /// Appends a child, unless its key is taken.
+    static bool tryAdd(ListValue & list, Unit * child, Unit * owner) { return list.tryAdd(child, owner); }
     static void setType(Unit & unit, istr type) { unit.setType(type); }
     static void setName(Unit & unit, istr name) { unit.name_ = name; }
 
@@ -49,6 +48,7 @@ struct Access {
     static void copyList(Unit & to, ListValue const & from);
     /// Deletes nodes and all below them; their lists are left alone.
     static void destroy(ListValue::Children & units) noexcept;
+    static void destroyNode(Slab & slab, Unit * unit) noexcept;
     static void destroyValue(Slab & slab, ValueBase * value, Unit::Kind kind) noexcept;
 };
 

@@ -34,10 +34,6 @@ void releaseBlock(void * p, std::size_t size) noexcept { Slab::local().release(p
 
 }  // namespace detail
 
-ValueBase::~ValueBase() { MemLeakChecker::pop(this); }
-
-StringValue::~StringValue() = default;
-
 ValueBase * StringValue::clone() const {
     return make<StringValue>(Slab::local(), __LINE__, "yon::pml::ntv::StringValue::clone", data_);
 }
@@ -79,7 +75,7 @@ void ListValue::push_back(Unit * const & child) {
 
 void ListValue::clear() noexcept {
     forgetNames();
-    detail::Access::destroy(data_);
+    if (!data_.empty()) detail::Access::destroy(data_);
     Children().swap(data_);
     plain_ = true;
 }
@@ -87,7 +83,9 @@ void ListValue::clear() noexcept {
 /// The child with that key: its position when it is unnamed, otherwise its name.
 Unit * ListValue::find(istr key) const {
     ulong i = 0;
-    if (isIndexText(key, i) && i < data_.size() && data_[i]->name_.empty()) return data_[i];
+    if (!key.empty() && key[0] == '[' && isIndexText(key, i) && i < data_.size() && data_[i]->name_.empty()) {
+        return data_[i];
+    }
     return findNamed(key);
 }
 
@@ -98,28 +96,43 @@ Unit * ListValue::findNamed(istr name) const {
         return i != npos ? data_[i] : nullptr;
     }
     for (Unit * child : data_) {
-        if (child->name_.size() == name.size() && child->name_[0] == name[0] && child->name_ == name) return child;
+        String const & other = child->name_;
+        // The first character spares most calls of memcmp.
+        if (other.size() == name.size() && other[0] == name[0] && other == name) return child;
     }
     return nullptr;
 }
 
-/// Whether the key that `child` would have as the next one is taken.
-bool ListValue::hasKeyOf(Unit const & child) const {
-    if (!child.name_.empty()) return find(child.name_) != nullptr;
-    if (plain_) return false;
-    String key("[");
-    key += std::to_string(data_.size());
-    key += ']';
-    return findNamed(key) != nullptr;
+/// Appends a child, unless its key is taken.
+bool ListValue::tryAdd(Unit * child, Unit * owner) {
+    auto const position = static_cast<ulong>(data_.size());
+    if (!child->name_.empty()) {
+        if (!takesName(child->name_)) return false;
+    } else if (!plain_) {
+        String key("[");
+        (key += std::to_string(position)) += ']';
+        if (findNamed(key) != nullptr) return false;
+    }
+    append(child, owner);
+    if (NameIndex * const known = index_.load(std::memory_order_relaxed)) known->covered(position + 1);
+    return true;
 }
 
-void ListValue::add(Unit * child, Unit * owner) {
+void ListValue::append(Unit * child, Unit * owner) {
     data_.push_back(child);
     child->parent_ = owner;
     child->index_ = static_cast<ulong>(data_.size() - 1);
     child->listed_ = true;
-    if (!child->name_.empty() && child->name_[0] == '[') plain_ = false;
-    if (NameIndex * const known = index_.load(std::memory_order_relaxed)) known->catchUp(data_);
+}
+
+/// Enters the name of the next child. False when it is taken.
+bool ListValue::takesName(istr name) {
+    if (name[0] == '[') {
+        if (find(name) != nullptr) return false;
+        plain_ = false;
+    }
+    if (data_.size() > longList) return index().insert(data_, name, static_cast<ulong>(data_.size()));
+    return findNamed(name) == nullptr;
 }
 
 /// Raises "duplicated unit" when two children have the same key.

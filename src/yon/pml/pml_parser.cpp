@@ -57,19 +57,20 @@ private:
 
     bool next() { return readToken(in_, token_, tokenStart_); }
 
-    /// Reads the node's name. True when that was the end of the list instead.
+    /// Reads a node's name. True when that was the end of the list; there is a node then only for a bare name.
     bool readName(State & state) {
         if (!next()) {
             if (!in_.atEnd()) raise("get pml name token", tokenStart_);
-            start_ = tokenStart_;
             return true;
         }
-        nameNode();
         if (token_.flag == pmlLexer::TokenEnd) {
+            if (token_.text.empty()) return true;
             // After a bare name the tag is read again, by the list around.
-            if (!token_.text.empty()) in_.unget();
+            in_.unget();
+            beginNode();
             return true;
         }
+        beginNode();
         state = token_.flag == pmlLexer::TokenColon ? State::PasingType : State::PasingValue;
         return false;
     }
@@ -86,14 +87,19 @@ private:
             return false;
         }
         openList();
-        nameNode();
+        beginNode();
         state = token_.flag == pmlLexer::TokenColon ? State::PasingType : State::PasingValue;
         return true;
     }
 
-    void nameNode() {
+    /// Makes the node that the token names; the root is there already.
+    void beginNode() {
         start_ = tokenStart_;
-        Access::setName(*node_, token_.text);
+        if (node_ != nullptr) {
+            Access::setName(*node_, token_.text);
+        } else {
+            node_ = ntv::make<Unit>(slab_, __LINE__, "yon::pml::pmlParserBase::__doParser", token_.text);
+        }
     }
 
     void setText(istr text) {
@@ -113,39 +119,22 @@ private:
             storages_.pop_back();
         }
         node_ = nullptr;
-        newNode();
     }
-
-    void newNode() { node_ = ntv::make<Unit>(slab_, __LINE__, "yon::pml::pmlParserBase::__doParser"); }
 
     /// Hands the node, which is complete, to its list, and closes the lists that end here. True when the root is done.
     bool finish(bool closed) {
-        for (;;) {
-            if (open_.empty()) return true;
-            if (!closed || !node_->name().empty()) {
-                add();
-                if (!closed) {
-                    newNode();
-                    return false;
-                }
-            } else {
-                spare();
-            }
+        while (!open_.empty()) {
+            if (node_ != nullptr) addNode();
+            if (!closed) return false;
             closeList();
             closed = false;
         }
+        return true;
     }
 
-    void add() {
+    void addNode() {
         OpenList const & open = open_.back();
-        if (Access::hasKeyOf(*open.list, *node_)) raise("duplicated unit", start_);
-        Access::add(*open.list, node_, open.node);
-        node_ = nullptr;
-    }
-
-    /// The last node of a list never came.
-    void spare() noexcept {
-        delete node_;
+        if (!Access::tryAdd(*open.list, node_, open.node)) raise("duplicated unit", start_);
         node_ = nullptr;
     }
 
@@ -174,7 +163,7 @@ private:
     Source & in_;
     Slab & slab_;
     Unit & root_;
-    Unit * node_;  ///< being read; owned, unless it is the root
+    Unit * node_;  ///< being read, or null; owned, unless it is the root
     Mark start_{};
     Token token_;
     Mark tokenStart_{};

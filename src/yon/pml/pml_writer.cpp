@@ -6,6 +6,8 @@
 #include <sstream>
 #include <vector>
 
+#include "yon/base/byte_search.h"
+
 namespace yon::pml {
 
 namespace {
@@ -32,14 +34,14 @@ bool hasBlankEdge(istr text) noexcept {
 
 void appendQuoted(std::string & out, istr text) {
     out += '\'';
-    char const * from = text.begin();
-    for (char const * p = from; p != text.end(); ++p) {
-        if (*p != '\\' && *p != '\'') continue;
+    for (char const * from = text.begin();;) {
+        char const * const p = findEither(from, text.end(), '\\', '\'');
         out.append(from, p);
+        if (p == text.end()) break;
         out += '\\';
-        from = p;
+        out += *p;
+        from = p + 1;
     }
-    out.append(from, text.end());
     out += '\'';
 }
 

@@ -36,6 +36,7 @@ public:
         if (list.head == nullptr && !refill(c)) return carve(c);
         Block * const b = list.head;
         list.head = b->next;
+        __builtin_prefetch(list.head, 1);
         --list.count;
         return b;
     }

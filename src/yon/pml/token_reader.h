@@ -2,9 +2,8 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
-#include <cstring>
 
+#include "yon/base/byte_search.h"
 #include "yon/pml/pml_lexer.h"
 
 namespace yon::pml {
@@ -127,29 +126,20 @@ private:
         return table;
     }();
 
+    static bool isSpecial(char c) noexcept { return special[static_cast<unsigned char>(c)]; }
+
     char const * plainEnd(char const * p) const noexcept {
-        while (p != end_ && !special[static_cast<unsigned char>(*p)]) ++p;
+        for (; end_ - p >= 4; p += 4) {
+            if (isSpecial(p[0])) return p;
+            if (isSpecial(p[1])) return p + 1;
+            if (isSpecial(p[2])) return p + 2;
+            if (isSpecial(p[3])) return p + 3;
+        }
+        while (p != end_ && !isSpecial(*p)) ++p;
         return p;
     }
 
-    /// The first quote or backslash, looked for a machine word at a time.
-    char const * quotedEnd(char const * p, char quote) const noexcept {
-        constexpr std::size_t ones = ~std::size_t{0} / 0xFF;
-        constexpr std::size_t highs = ones << 7;
-        std::size_t const quotes = ones * static_cast<unsigned char>(quote);
-        std::size_t const backslashes = ones * static_cast<unsigned char>('\\');
-        while (static_cast<std::size_t>(end_ - p) >= sizeof(std::size_t)) {
-            std::size_t word;
-            std::memcpy(&word, p, sizeof word);
-            std::size_t const a = word ^ quotes;
-            std::size_t const b = word ^ backslashes;
-            // A byte that is zero in `a` or `b` shows as a high bit; one that is not may, but only behind a zero.
-            if ((((a - ones) & ~a) | ((b - ones) & ~b)) & highs) break;
-            p += sizeof word;
-        }
-        while (p != end_ && *p != quote && *p != '\\') ++p;
-        return p;
-    }
+    char const * quotedEnd(char const * p, char quote) const noexcept { return findEither(p, end_, quote, '\\'); }
 
     char const * const begin_;
     char const * p_;

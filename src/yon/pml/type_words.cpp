@@ -19,7 +19,6 @@ constinit std::array<std::atomic<String const *>, slots> table{};
 }  // namespace
 
 String const * sharedTypeWord(istr word) {
-    if (word.empty()) return &String::null();
     if (word.size() > longestWord) return nullptr;
     std::size_t const home = textHash(word, textHashSeed());
     for (std::size_t i = 0; i < longestProbe; ++i) {

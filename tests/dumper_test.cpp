@@ -1,0 +1,253 @@
+#include "yon/log/dumper.h"
+
+#include <gtest/gtest.h>
+
+#include <iomanip>
+#include <sstream>
+
+#include "yon/base/bytes.h"
+#include "yon/base/exception.h"
+#include "yon/base/leak_checker.h"
+#include "yon/base/time.h"
+#include "yon/log/dumper_stl.h"
+
+namespace yon {
+namespace {
+
+struct Point {
+    int x = 1;
+    std::string name = "p";
+    dumper & dump(dumper & d) const {
+        d.push("app::Point", "@");
+        d.field("x", x).field("name()", name);
+        d.pop();
+        return d;
+    }
+};
+
+struct Pair {
+    Point first, second;
+    dumper & dump(dumper & d) const {
+        d.push("Pair", "@");
+        d.field("n_", 1).field("first", first).field("m_", 2).field("second", second).field("k_", 3);
+        d.pop();
+        return d;
+    }
+};
+
+enum Colour { red, green };
+
+struct Printed {
+    friend std::ostream & operator<<(std::ostream & os, Printed const &) { return os << "printed"; }
+};
+
+template <class... T>
+std::string dumped(T const &... values) {
+    dumper d;
+    (d << ... << values);
+    return d.str();
+}
+
+template <class... T>
+std::string compact(T const &... values) {
+    dumper d(true);
+    (d << ... << values);
+    return d.str();
+}
+
+template <class T>
+std::string plain(T const & value) {
+    dumper d;
+    d.write(value);
+    return d.str();
+}
+
+TEST(Dumper, WritesEveryScalarDecoratedAndPlain) {
+    struct {
+        std::string decorated, plain;
+        char const * expected;
+        char const * expectedPlain;
+    } const rows[] = {
+        {dumped(true) + dumped(false), plain(true) + plain(false), "truefalse", "10"},
+        {dumped('a'), plain('a'), "'a'", "a"},
+        {dumped('\n') + dumped('\''), plain('\n'), "'<LF>''''", "\n"},
+        {dumped(static_cast<unsigned char>(200)), plain(static_cast<unsigned char>('b')), "'\\310'", "b"},
+        {dumped(static_cast<signed char>(27)), plain(static_cast<signed char>('c')), "'<ESC>'", "c"},
+        {dumped(short{-1}) + dumped(ushort{2}), plain(short{-1}) + plain(ushort{2}), "-12", "-12"},
+        {dumped(-1) + dumped(2u), plain(-1) + plain(2u), "-12", "-12"},
+        {dumped(-1L) + dumped(2uL), plain(-1L) + plain(2uL), "-12", "-12"},
+        {dumped(-1LL) + dumped(2uLL), plain(-1LL) + plain(2uLL), "-12", "-12"},
+        {dumped(slong{-1}) + dumped(ulong{2}), plain(slong{-1}) + plain(ulong{2}), "-12", "-12"},
+        {dumped(0.5f) + dumped(3.14159265), plain(0.5f) + plain(3.14159265), "0.53.14159", "0.53.14159"},
+        {dumped(static_cast<void *>(nullptr)), plain(static_cast<int const *>(nullptr)), "0", "0"},
+        {dumped(green), plain(green), "1", "1"},
+        {dumped(Printed()), plain(Printed()), "printed", "printed"},
+        {dumped(Bit(true), Char('a'), Byte('b'), Long(-5)), plain(Ulong(5)), "true'a''b'-5", "5"},
+        {dumped(Double(0.1)), plain(Float(0.1f)), "0.1", "0.1"},
+    };
+    for (auto const & row : rows) {
+        EXPECT_EQ(row.decorated, row.expected);
+        EXPECT_EQ(row.plain, row.expectedPlain);
+    }
+    int const n = 0;
+    std::ostringstream address;
+    address << static_cast<void const *>(&n);
+    EXPECT_EQ(dumped(&n), address.str());
+    dumper d;
+    d.internal_stream() << std::hex << std::showbase;
+    d << 255;
+    EXPECT_EQ(d.str(), "0xff");
+}
+
+TEST(Dumper, QuotesAndEscapesText) {
+    struct {
+        std::string text, expected;
+    } const rows[] = {
+        {"", ""},
+        {"a \"b\"", "\"a \"b\"\""},
+        {{"A\0\xFF"
+          "B",
+          4},
+         "\"A\\x{00FF}B\""},
+        {"\1", "\"\\x{01}\""},
+        {"a\nb\n", "\"a\n--b\n--\""},
+        {"\n", "\"\n--\""},
+        {"\1\n\2", "\"\\x{01\n--02}\""},
+        {"\1\nA\t", "\"\\x{01\n--}A\\x{09}\""},
+        {std::string(256, 'x'), '"' + std::string(256, 'x') + '"'},
+        {std::string(257, 'x'), '"' + std::string(256, 'x') + "<omit data up to 257>\""},
+        {std::string(300, ' ') + '\1', '"' + std::string(256, ' ') + "<omit data up to 301>\""},
+    };
+    for (bool const oneLine : {false, true}) {
+        for (auto const & row : rows) {
+            dumper d(oneLine, "\n", "-", 2);
+            d.internal_stream() << std::hex << std::uppercase << std::setfill('*');
+            d << row.text;
+            d.internal_stream() << std::setw(3) << 10;
+            EXPECT_EQ(d.str(), row.expected + (row.text.empty() ? "**A" : " 10"));
+        }
+    }
+    // One text, whatever holds it.
+    char array[] = "abc";
+    unsigned char const bytes[] = "abc";
+    std::string const quoted = "\"abc\"";
+    EXPECT_EQ(dumped("abc"), quoted);
+    EXPECT_EQ(dumped(array) + dumped(bytes) + dumped(+array) + dumped(+bytes), quoted + quoted + quoted + quoted);
+    EXPECT_EQ(dumped(istr("abc")) + dumped(String("abc")) + dumped(Bytes("abc")), quoted + quoted + quoted);
+    EXPECT_EQ(dumped(std::string("abc")) + dumped(std::string_view("abc")) + dumped(Str(array, 4)),
+              quoted + quoted + quoted);
+    EXPECT_EQ(dumped(static_cast<char const *>(nullptr)) + dumped(istr()), "");
+    EXPECT_EQ(plain("a\n\1") + plain(istr()) + plain(String("\"")) + plain(std::string(300, 'x')),
+              "a\n\1\"" + std::string(300, 'x'));
+}
+
+TEST(Dumper, WritesWideTextAndTimes) {
+    wstring const wide = {'a', 'b'};
+    EXPECT_EQ(dumped(wide) + dumped(wide.c_str()) + dumped(iwstr(wide, 1)) + dumped(wstring()),
+              "\"ab\"\"ab\"\"a\"\"\"");
+    EXPECT_EQ(plain(wide) + plain(wide.c_str()) + plain(iwstr()), "abab");
+    Time const time = Time::seconds(1000000000);
+    EXPECT_EQ(plain(time), time.toDateTime());
+    EXPECT_EQ(dumped(time), '"' + time.toDateTime() + '"');
+}
+
+TEST(Dumper, LaysOutBlocksInLinesOrInOne) {
+    EXPECT_EQ(dumped(Point()), "@app::Point {\n    x = 1\n    name() = \"p\"\n}");
+    EXPECT_EQ(
+        dumped(Pair()),
+        "@Pair {\n    n_ = 1\n    first = @app::Point {\n        x = 1\n        name() = \"p\"\n    }\n    m_ = 2\n"
+        "    second = @app::Point {\n        x = 1\n        name() = \"p\"\n    }\n    k_ = 3\n}");
+    EXPECT_EQ(compact(Pair()), "{1, {1, \"p\"}, 2, {1, \"p\"}, 3}");
+    EXPECT_EQ(compact(Point(), Point()), "{1, \"p\"}{1, \"p\"}");
+
+    dumper d(dumper::Config{.lineSeparator = "\r\n", .indentSeparator = "\t", .level = 1, .eolSeparator = ";"});
+    d << Point();
+    EXPECT_EQ(d.str(), "@app::Point {;\r\n\t\tx = 1;\r\n\t\tname() = \"p\";;\r\n\t}");
+    EXPECT_EQ(d.level(), 1u);
+
+    std::ostringstream os;
+    dumper outside(os, false, "|", ">", 0, "");
+    outside.push("", "@");
+    outside.push(nullptr, nullptr);
+    outside << indent << "x" << endline;
+    outside.pop();
+    outside.pop();
+    outside.pop();
+    EXPECT_EQ(outside.level(), 0u);
+    outside.compact(true).push("name", "@");
+    (outside << nl).raw("r\n");
+    outside << [](dumper & self) -> dumper & { return self.raw("called"); };
+    EXPECT_EQ(os.str(), "{{|>>\"x\"|>}|}|}{\nr\ncalled");
+}
+
+TEST(Dumper, DumpsItself) {
+    dumper d;
+    d << "x";
+    EXPECT_EQ(
+        dumped(d),
+        "@yon::dumper {\n    str() = \"\"x\"\"\n    lineSeparator() = \"\n    \"\n    indentSeparator() = \"    \"\n"
+        "    eolSeparator() = \n    level() = 0\n    compact() = false\n    first_ = true\n    owned_ = true\n}");
+    std::ostringstream os;
+    dumper outside(os, d.cfg());
+    outside.compact(true).level(3).lineSeparator("").indentSeparator("i").eolSeparator("e");
+    EXPECT_EQ(compact(outside), "{, , \"i\", \"e\", 3, true, true, false}");
+    EXPECT_THROW(outside.str(), UnsupportedFunctionException);
+}
+
+TEST(Dumper, RegistersItsOwnStream) {
+    MemLeakChecker::enable(true);
+    auto const before = MemLeakChecker::count();
+    {
+        std::ostringstream os;
+        dumper const own, outside(os, own.cfg());
+        EXPECT_EQ(MemLeakChecker::count(), before + 1);
+        std::string places;
+        MemLeakChecker::forEach([&](MLC_Entry const & e) { places += e.func; });
+        EXPECT_NE(places.find("yon::dumper::dumper"), std::string::npos);
+    }
+    EXPECT_EQ(MemLeakChecker::count(), before);
+    MemLeakChecker::enable(false);
+}
+
+TEST(Dumper, DumpsStandardContainers) {
+    using namespace std::chrono_literals;
+    std::stack<int> stack;
+    for (int i : {1, 2, 3}) stack.push(i);
+    struct {
+        std::string inOneLine, inLines;
+        char const * oneLine;
+        char const * lines;
+    } const rows[] = {
+#define ROW(value) compact(value), dumped(value)
+        {ROW(std::vector<int>()), "{}", "@yon::vector {\n}"},
+        {ROW((std::vector<bool>{true, false})), "{true, false}", "@yon::vector {\n    true\n    false\n}"},
+        {ROW((std::list<String>{"a", ""})), "{\"a\", }", "@yon::list {\n    \"a\"\n    \n}"},
+        {ROW((std::set<char>{'b', 'a'})), "{'a', 'b'}", "@yon::set {\n    'a'\n    'b'\n}"},
+        {ROW(stack), "{1, 2, 3}", "@yon::stack {\n    1\n    2\n    3\n}"},
+        {ROW((std::map<String, String>{{"k", "v"}})), "{k : \"v\"}", "@yon::map {\n    k : \"v\"\n}"},
+        {ROW((std::multimap<int, bool>{{1, true}, {1, false}})), "{1 : true, 1 : false}",
+         "@yon::multimap {\n    1 : true\n    1 : false\n}"},
+        {ROW((std::map<Long, Point>{{7, Point()}})), "{7 : {1, \"p\"}}",
+         "@yon::map {\n    7 : @app::Point {\n        x = 1\n        name() = \"p\"\n    }\n}"},
+        {ROW((std::vector<std::vector<int>>{{1, 2}, {}})), "{{1, 2}, {}}",
+         "@yon::vector {\n    @yon::vector {\n        1\n        2\n    }\n    @yon::vector {\n    }\n}"},
+        {ROW((std::pair<String, int>("a", 1))), "\"a\" : 1", "\"a\" : 1"},
+        {ROW((std::map<std::pair<int, int>, int>{{{1, 2}, 3}})), "{1 : 2 : 3}", "@yon::map {\n    1 : 2 : 3\n}"},
+        {ROW(std::optional<int>(5)), "5", "5"},
+        {ROW(std::optional<String>()), "<null>", "<null>"},
+        {ROW(std::make_unique<Point>()), "{1, \"p\"}", "@app::Point {\n    x = 1\n    name() = \"p\"\n}"},
+        {ROW(std::shared_ptr<int>()), "<null>", "<null>"},
+        {ROW(std::make_shared<bool>(true)), "true", "true"},
+        {ROW(1500ms), "1500ms", "1500ms"},
+        {ROW((std::vector<std::chrono::seconds>{1s, 2min})), "{1s, 120s}", "@yon::vector {\n    1s\n    120s\n}"},
+        {ROW((std::chrono::duration<double, std::ratio<2, 180>>(1.5))), "1.5[1/90]s", "1.5[1/90]s"},
+#undef ROW
+    };
+    for (auto const & row : rows) {
+        EXPECT_EQ(row.inOneLine, row.oneLine);
+        EXPECT_EQ(row.inLines, row.lines);
+    }
+}
+
+}  // namespace
+}  // namespace yon
