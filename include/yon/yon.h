@@ -7,6 +7,7 @@
 #include "yon/base/call_stack.h"
 #include "yon/base/chars.h"
 #include "yon/base/config.h"
+#include "yon/base/conversion_result.h"
 #include "yon/base/current.h"
 #include "yon/base/diagnostics.h"
 #include "yon/base/environment.h"
@@ -45,3 +46,4 @@
 #include "yon/string/funcname.h"
 #include "yon/string/multi_string.h"
 #include "yon/string/string_ref.h"
+#include "yon/string/unicode.h"
