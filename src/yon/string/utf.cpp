@@ -109,14 +109,15 @@ ConversionResult utf8ToUtf16(char const *& source, char const * sourceEnd, wchar
     wchar * out = target;
     ConversionResult result = ConversionResult::ok;
     while (p != sourceEnd) {
-        if (sourceEnd - p >= 8 && targetEnd - out >= 8) {
+        Byte8 const first = static_cast<Byte8>(*p);
+        if (first < 0x80 && sourceEnd - p >= 8 && targetEnd - out >= 8) {
+            // All eight, and what is not ASCII is overwritten next.
             copy8(reinterpret_cast<Byte8 const *>(p), out);
             std::ptrdiff_t const run = asciiRun(p);
             p += run;
             out += run;
-            if (run == 8) continue;
+            continue;
         }
-        Byte8 const first = static_cast<Byte8>(*p);
         Decoded const next = first < 0x80 ? Decoded{first, 1} : decode(p, sourceEnd);
         if (next.units == 0) {
             result = reason(p, sourceEnd);
@@ -174,12 +175,12 @@ ConversionResult detail::checkUtf8(istr s) noexcept {
     char const * p = s.begin();
     char const * const end = s.end();
     while (p != end) {
-        if (end - p >= 8) {
-            std::ptrdiff_t const run = asciiRun(p);
-            p += run;
-            if (run == 8) continue;
+        bool const ascii = static_cast<Byte8>(*p) < 0x80;
+        if (ascii && end - p >= 8) {
+            p += asciiRun(p);
+            continue;
         }
-        unsigned const units = static_cast<Byte8>(*p) < 0x80 ? 1 : decode(p, end).units;
+        unsigned const units = ascii ? 1 : decode(p, end).units;
         if (units == 0) return reason(p, end);
         p += units;
     }
