@@ -1,0 +1,23 @@
+// The one seam between the library and the operating system.
+//
+// Every call of the operating system stands behind a function of this header. posix/ and win32/ implement it, one
+// small file for each concern, and hold only the lines that differ. Unless stated otherwise the functions may be
+// called from any thread and let nothing out but `std::bad_alloc`.
+#pragma once
+
+#include <string>
+
+namespace yon::platform {
+
+// --- errors ---
+
+/// The system's last error code of the calling thread, apart from `errno`; 0 where there is only `errno`.
+int lastError() noexcept;
+
+/// The C library's text for a value of `errno`, whatever it says of unknown ones.
+std::string errnoText(int code);
+
+/// The system's own text for one of its error codes, on one line; empty when it has none. Leaves the last error.
+std::string systemText(int code);
+
+}  // namespace yon::platform
