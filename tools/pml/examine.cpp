@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "number_rules.h"
+#include "tree.h"
 #include "visible.h"
 #include "walk.h"
 #include "yon/pml/pml_parser.h"
@@ -13,10 +14,12 @@ namespace pmltool {
 
 namespace {
 
+/// How much of a text a message shows.
+constexpr std::size_t shownLength = 40;
+
 class Examiner final : public Visitor {
 public:
-    Examiner(Source const & source, Report & report) noexcept
-        : text_(source.text), lines_(text_), report_(report) {}
+    Examiner(Source const & source, Report & report) noexcept : text_(source.text), lines_(text_), report_(report) {}
 
     void run() {
         walk(text_, *this);
@@ -40,11 +43,12 @@ public:
         warnOfQuotes(token, "name");
         if (lists_.empty()) return;
         if (token.text.starts_with('*')) {
-            warn(token.begin, "a name that begins with \"*\" opens a comment when it is written right behind a \"(\"");
+            warn(token.begin,
+                 "a name that begins with \"*\" opens a comment when it is written right behind a \"(\"");
         }
         List & list = lists_.back();
         std::size_t const index = list.size++;
-        std::string const key = token.hasText() ? token.text : '[' + std::to_string(index) + ']';
+        std::string const key = keyOf(token.text, index);
         auto const [known, isNew] = list.places.emplace(key, token.begin);
         if (isNew) return;
         error(token.begin, "duplicated unit: " + quoted(key) + " stands at " + lines_.inWords(known->second));
@@ -83,7 +87,9 @@ private:
         report_.findings.push_back({where, true, std::move(message)});
         report_.hasErrors = true;
     }
-    void warn(std::size_t where, std::string message) { report_.findings.push_back({where, false, std::move(message)}); }
+    void warn(std::size_t where, std::string message) {
+        report_.findings.push_back({where, false, std::move(message)});
+    }
 
     void warnOfQuotes(Token const & token, std::string const & what) {
         for (Piece const & piece : token.pieces) {
@@ -112,8 +118,8 @@ private:
 
     void warnOfInnerQuote(Piece const & piece) {
         if (!piece.closed) return;  // which is an error
-        warn(piece.begin, "this quote inside unquoted text hides everything up to the one at " +
-                              lines_.inWords(piece.end - 1));
+        warn(piece.begin,
+             "this quote inside unquoted text hides everything up to the one at " + lines_.inWords(piece.end - 1));
     }
 
     std::string_view const text_;
@@ -134,11 +140,13 @@ Report examine(Source const & source) {
 
 void print(Report const & report, Source const & source, std::ostream & out, bool warnings) {
     Lines lines(source.text);
+    std::string text;  // standard error has no buffer
     for (Finding const & finding : report.findings) {
         if (!finding.error && !warnings) continue;
-        out << source.name << ':' << lines.at(finding.offset) << (finding.error ? ": error: " : ": warning: ")
-            << finding.text << '\n';
+        text += source.name + ':' + lines.at(finding.offset) + (finding.error ? ": error: " : ": warning: ") +
+                finding.text + '\n';
     }
+    out << text;
 }
 
 }  // namespace pmltool

@@ -21,8 +21,8 @@ struct Report {
     bool hasErrors = false;
 };
 
-/// Errors are what the parser refuses, what it leaves unread, and input that ends early; warnings are what it reads, but
-/// perhaps not as it was meant.
+/// Errors are what the parser refuses, what it leaves unread, and input that ends early; warnings are what it reads,
+/// but perhaps not as it was meant.
 Report examine(Source const & source);
 
 /// Prints a line for each: "file:line:column: error: text". Warnings only when asked for.

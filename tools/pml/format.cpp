@@ -1,8 +1,8 @@
 #include <iostream>
-#include <streambuf>
 
 #include "commands.h"
 #include "examine.h"
+#include "printed.h"
 #include "replace_file.h"
 #include "tree.h"
 #include "visible.h"
@@ -12,45 +12,15 @@ namespace pmltool {
 
 namespace {
 
-using yon::pml::ShowMode;
 using yon::pml::ShowPattern;
 
-/// Collects text up to a limit: the indentation of a deep tree grows with the square of its depth.
-class LimitedText final : public std::streambuf {
-public:
-    struct Exceeded {};
-
-    explicit LimitedText(std::size_t most) noexcept : most_(most) {}
-    std::string & text() noexcept { return text_; }
-
-protected:
-    std::streamsize xsputn(char const * from, std::streamsize size) override {
-        if (static_cast<std::size_t>(size) > most_ - text_.size()) throw Exceeded();
-        text_.append(from, static_cast<std::size_t>(size));
-        return size;
-    }
-    int_type overflow(int_type c) override {
-        char const one = traits_type::to_char_type(c);
-        return xsputn(&one, 1) == 1 ? c : traits_type::eof();
-    }
-
-private:
-    std::size_t const most_;
-    std::string text_;
-};
-
 std::string formatted(Source const & source, Unit const & root, FormatArguments const & arguments) {
-    LimitedText text((std::size_t{64} << 20) + 16 * source.text.size());
-    std::ostream out(&text);
-    out.exceptions(std::ios::badbit);
     int const paths = arguments.showPaths ? ShowPattern::PATH : 0;
     try {
-        ntvToPml(root, out, arguments.mode, ShowPattern::usual | ShowPattern::QUOTE_BLANKS | paths);
-    } catch (LimitedText::Exceeded const &) {
+        return printed(root, arguments.mode, ShowPattern::usual | ShowPattern::QUOTE_BLANKS | paths) + '\n';
+    } catch (TooMuchText const &) {
         throw BadInput(source.name + ": nested too deep for this layout; --mode compact does without indentation");
     }
-    out << '\n';
-    return std::move(text.text());
 }
 
 /// Names with quotes in them, for example, may be written as something else.

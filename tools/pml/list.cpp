@@ -11,8 +11,8 @@ namespace {
 
 /// How many columns a text takes, one for each UTF-8 character.
 std::size_t columns(std::string_view text) {
-    return static_cast<std::size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+    return static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
 /// A column of the listing, as wide as its texts, within limits.

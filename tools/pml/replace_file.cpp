@@ -5,7 +5,7 @@
 #include <system_error>
 
 #include "source.h"
-#include "yon/platform/files.h"
+#include "yon/platform/platform.h"
 
 namespace pmltool {
 

@@ -17,14 +17,25 @@ constexpr char const * about =
     "list, counted from 0; \"/\" is the root.";
 
 constexpr char const * statuses =
-    "Status: 0, or 1 for bad input (diff: the documents differ; get and ls: no such node), or\n"
-    "2 for bad usage. Errors are printed as \"file:line:column: message\".";
+    "Status: 0, or 1 for bad input (check: errors, with --strict also warnings; diff: the\n"
+    "documents differ; get, set and ls: no such node), or 2 for bad usage. Errors are printed\n"
+    "as \"file:line:column: message\".";
 
-constexpr char const * checkAbout =
-    "Reports what is wrong or suspicious in documents, all of it, as\n"
-    "\"file:line:column: error|warning: message\".";
+constexpr char const * formatDetails =
+    "compact puts everything on one line; simple and formatted put each node on a line of its\n"
+    "own; mixed breaks only lists of unnamed nodes with types into lines. Comments are not a\n"
+    "part of the tree that is printed. A file is not rewritten when anything would be lost.\n\n";
+
+constexpr char const * setDetails =
+    "Everything else in the file stays as it stands, comments included. Nodes that are missing\n"
+    "on the way to PATH are added. With FILE -, the result goes to standard output.\n\n";
+
+constexpr char const * diffDetails =
+    "A node of A that B has not, or has otherwise, is printed behind a \"-\", one of B behind a\n"
+    "\"+\". Nodes with names belong together wherever in their lists they stand.\n\n";
 
 constexpr char const * checkDetails =
+    "Findings are printed as \"file:line:column: error: message\", or \"warning\".\n"
     "Errors: what the parser refuses, duplicate names in a list, text behind the end of the\n"
     "node, and values, lists, comments and quotes that are never closed.\n"
     "Warnings: text that needs its quotes to keep the blanks at its edges, quotes in names and\n"
@@ -51,8 +62,12 @@ public:
             std::reverse(arguments.begin(), arguments.end());
             app_.parse(std::move(arguments));
             return command_();
-        } catch (CLI::Success const & wish) {
-            return app_.exit(wish, console_.out, console_.err);
+        } catch (CLI::CallForHelp const &) {
+            console_.out << help();
+            return ok;
+        } catch (CLI::CallForVersion const & version) {
+            console_.out << version.what() << '\n';
+            return ok;
         } catch (CLI::ParseError const & error) {
             return complain(error.what());
         } catch (BadUsage const & error) {
@@ -61,38 +76,48 @@ public:
     }
 
 private:
-    CLI::App * add(char const * name, std::string const & text) {
+    CLI::App * add(char const * name, std::string const & text, std::string const & details = {}) {
         CLI::App * const command = app_.add_subcommand(name, text);
-        command->footer(statuses);
+        command->footer(details + statuses);
         return command;
     }
 
     template <class Arguments>
     void then(CLI::App * command, int (*function)(Arguments const &, Console &), Arguments const & arguments) {
-        command->callback([this, function, &arguments] { command_ = [&, function] { return function(arguments, console_); }; });
+        command->callback(
+            [this, function, &arguments] { command_ = [&, function] { return function(arguments, console_); }; });
     }
 
     void addFormat() {
-        using yon::pml::ShowMode;
-        CLI::App * const command = add("fmt", "Prints documents in a layout, or rewrites the files in it.");
-        static std::map<std::string, int> const modes{{"compact", ShowMode::COMPACT},
-                                                      {"simple", ShowMode::SIMPLE},
-                                                      {"mixed", ShowMode::MIXED},
-                                                      {"formatted", ShowMode::FORMATTED}};
-        command->add_option("--mode", mode_, "compact, simple, mixed or formatted (which is the default)")
-            ->type_name("MODE")
-            ->transform(CLI::CheckedTransformer(modes).description(""));
-        command->add_flag("--paths", format_.showPaths, "Put the path of each node before it (formatted only)");
+        CLI::App * const command =
+            add("fmt", "Prints documents in a layout, or rewrites the files in it.", formatDetails);
+        command
+            ->add_option_function<std::string>(
+                "--mode", [this](std::string const & name) { format_.mode = modeOf(name); },
+                "compact, simple, mixed or formatted (the default)")
+            ->type_name("MODE");
+        command->add_flag("--paths", format_.showPaths, "In formatted layout, the path of each node as a comment");
         command->add_flag("--in-place", format_.inPlace, "Replace each file, in one step");
-        command->add_flag("--drop-comments", format_.dropComments, "Leave comments out, which only set can keep");
+        command->add_flag("--drop-comments", format_.dropComments, "Allow comments to be lost");
         addFiles(command, format_.files);
         then(command, format, format_);
     }
 
+    static yon::pml::ShowMode modeOf(std::string const & name) {
+        using yon::pml::ShowMode;
+        constexpr std::pair<char const *, ShowMode> modes[] = {{"compact", ShowMode::COMPACT},
+                                                               {"simple", ShowMode::SIMPLE},
+                                                               {"mixed", ShowMode::MIXED},
+                                                               {"formatted", ShowMode::FORMATTED}};
+        for (auto const & [known, mode] : modes) {
+            if (name == known) return mode;
+        }
+        throw CLI::ValidationError("--mode", "\"" + name + "\" is not compact, simple, mixed or formatted");
+    }
+
     void addCheck() {
-        CLI::App * const command = add("check", checkAbout);
-        command->footer(std::string(checkDetails) + numberRules + "\nStatus: 0, or 1 for errors (with --strict also for "
-                                                                  "warnings), or 2 for bad usage.");
+        CLI::App * const command = add("check", "Reports what is wrong or suspicious in documents.",
+                                       checkDetails + std::string(numberRules) + '\n');
         command->add_flag("--strict", check_.strict, "Status 1 for warnings, too");
         addFiles(command, check_.files);
         then(command, check, check_);
@@ -105,12 +130,9 @@ private:
     }
 
     void addSet() {
-        CLI::App * const command = add("set",
-                                       "Gives a node a text and leaves everything else in the file as it stands, comments "
-                                       "included.\nNodes that are missing on the way are added. With FILE -, the result goes "
-                                       "to standard output.");
+        CLI::App * const command = add("set", "Gives a node a text.", setDetails);
         addNode(command, set_.file, set_.path);
-        command->add_option("VALUE", set_.value, "The text; put -- before one that begins with \"-\"")->required();
+        addText(command, "VALUE", set_.value, "The text; put -- before one that begins with \"-\"");
         command->add_flag("--existing", set_.existing, "Add no nodes");
         command->add_flag("--force", set_.force, "Replace lists, too");
         then(command, set, set_);
@@ -125,35 +147,40 @@ private:
     }
 
     void addDiff() {
-        CLI::App * const command = add("diff",
-                                       "Compares two documents node by node: \"-\" goes before what only A has, \"+\" before "
-                                       "what only B has.\nNodes with names belong together wherever in their lists they "
-                                       "stand.");
-        command->add_option("A", diff_.left, "The one document")->required();
-        command->add_option("B", diff_.right, "The other document")->required();
+        CLI::App * const command = add("diff", "Compares two documents node by node.", diffDetails);
+        addText(command, "A", diff_.left, "The one document");
+        addText(command, "B", diff_.right, "The other document");
         then(command, diff, diff_);
     }
 
     static void addFiles(CLI::App * command, std::vector<std::string> & files) {
-        command->add_option("FILE", files, "The documents")->required()->type_name("");
+        command->add_option("FILE", files, "The documents, or - for standard input")->required()->type_name("");
+    }
+
+    static CLI::Option * addText(CLI::App * command, char const * name, std::string & text, char const * what) {
+        return command->add_option(name, text, what)->required()->type_name("");
     }
 
     static void addNode(CLI::App * command, std::string & file, std::string & path, bool pathIsRequired = true) {
-        command->add_option("FILE", file, "The document")->required();
-        command->add_option("PATH", path, "The node")->required(pathIsRequired);
+        addText(command, "FILE", file, "The document, or - for standard input");
+        addText(command, "PATH", path, "The node, as in /peers[0]/address")->required(pathIsRequired);
     }
 
     int complain(char const * what) {
-        auto const chosen = app_.get_subcommands();
-        console_.err << "pml: " << what << "\n\n" << (chosen.empty() ? app_.help() : chosen.front()->help());
+        console_.err << "pml: " << what << "\n\n" << help();
         return usage;
+    }
+
+    /// Of the command, where one is named.
+    std::string help() const {
+        auto const chosen = app_.get_subcommands();
+        return chosen.empty() ? app_.help() : chosen.front()->help(app_.get_name());
     }
 
     Console & console_;
     CLI::App app_;
     std::function<int()> command_;
     FormatArguments format_;
-    int mode_ = yon::pml::ShowMode::FORMATTED;
     CheckArguments check_;
     NodeArguments get_;
     SetArguments set_;

@@ -29,7 +29,9 @@ struct Token {
     std::vector<Piece> pieces;
 
     /// The quote or comment that is never closed, or null.
-    Piece const * unclosed() const noexcept { return pieces.empty() || pieces.back().closed ? nullptr : &pieces.back(); }
+    Piece const * unclosed() const noexcept {
+        return pieces.empty() || pieces.back().closed ? nullptr : &pieces.back();
+    }
     bool hasText() const noexcept { return begin != end; }
 };
 

@@ -10,6 +10,7 @@ namespace pmltool {
 
 namespace {
 
+using yon::pml::ntvToCompactPml;
 using yon::pml::ShowPattern;
 
 /// Where a node stands in the text.
@@ -113,20 +114,24 @@ private:
             if (next != nullptr) {
                 node_ = next;
             } else if (!step.empty()) {
-                if (arguments_.existing || step.find('[') != step.npos || step == "." || step == "..") fail("no such node");
+                if (arguments_.existing || step.find('[') != step.npos || step == "." || step == "..")
+                    fail("no such node");
                 missing_.emplace_back(step);
             }
         }
     }
 
     void change() {
-        if (node_->listValue() != nullptr && !arguments_.force) fail("holds a list; --force puts a text in its place");
+        if (node_->listValue() != nullptr && !arguments_.force)
+            fail("holds a list; --force puts a text in its place");
         node_->setValue(arguments_.value);
         String value;
         ntvToCompactPml(*node_, value, ShowPattern::VALUE | ShowPattern::QUOTE_BLANKS);
         switch (site_.kind) {
-            case Site::bare: return replace(site_.head, site_.head, value);
-            case Site::list: return replace(site_.open - 1, site_.tag + 1, value);
+            case Site::bare:
+                return replace(site_.head, site_.head, value);
+            case Site::list:
+                return replace(site_.open - 1, site_.tag + 1, value);
             case Site::text:
                 if (site_.mixed) fail("comments stand inside the text");
                 replace(site_.begin, site_.end, std::string_view(value).substr(1, value.size() - 2));
@@ -144,9 +149,12 @@ private:
         String added;
         ntvToCompactPml(*node_->listValue()->data().back(), added, ShowPattern::usual | ShowPattern::QUOTE_BLANKS);
         switch (site_.kind) {
-            case Site::bare: return replace(site_.head, site_.head, '(' + added + ')');
-            case Site::list: return replace(site_.end, site_.end, std::string(site_.gap) + added);
-            case Site::text: replace(site_.begin, site_.end, added);
+            case Site::bare:
+                return replace(site_.head, site_.head, '(' + added + ')');
+            case Site::list:
+                return replace(site_.end, site_.end, std::string(site_.gap) + added);
+            case Site::text:
+                replace(site_.begin, site_.end, added);
         }
     }
 

@@ -38,9 +38,9 @@ enum Status { ok = 0, bad = 1, usage = 2 };
 
 /// A document that was read whole. Offsets into `text` are how the commands name places.
 struct Source {
-    std::string name;   ///< for messages
-    std::string text;   ///< without the mark
-    bool marked;        ///< a UTF-8 byte-order mark stood before the text
+    std::string name;  ///< for messages
+    std::string text;  ///< without the mark
+    bool marked;       ///< a UTF-8 byte-order mark stood before the text
 };
 
 /// Reads a file, or standard input for "-". Raises `BadInput` with the system's reason.

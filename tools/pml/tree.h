@@ -8,10 +8,11 @@
 
 namespace pmltool {
 
-/// The path step that leads to a child: its name, or "[n]".
-inline std::string keyOf(Unit const & node) {
-    return node.name().empty() ? '[' + std::to_string(node.index()) + ']' : std::string(node.name());
+/// The path step that leads to a child: its name, or "[n]" by its position.
+inline std::string keyOf(std::string const & name, std::size_t index) {
+    return name.empty() ? '[' + std::to_string(index) + ']' : name;
 }
+inline std::string keyOf(Unit const & node) { return keyOf(node.name(), node.index()); }
 
 /// Calls `visit(node, path)` for a node and all nodes below it, parents first. The path of the first one is given.
 template <class Visit>
@@ -41,8 +42,8 @@ void forEachNode(Unit const & top, std::string path, Visit visit) {
     }
 }
 
-/// The first node of `a` that differs from the one at the same place of `b`; null when the trees are the same. No value
-/// and an empty text count as the same: they are written alike.
+/// The first node of `a` that differs from the one at the same place of `b`; null when the trees are the same. No
+/// value and an empty text count as the same: they are written alike.
 Unit const * firstDifference(Unit const & a, Unit const & b);
 
 /// How many nodes of the tree come before a node of it, parents first.

@@ -13,10 +13,17 @@ void appendEscaped(std::string & out, char c) {
     static constexpr char digits[] = "0123456789abcdef";
     auto const u = static_cast<unsigned char>(c);
     switch (c) {
-        case '\n': out += "\\n"; break;
-        case '\r': out += "\\r"; break;
-        case '\t': out += "\\t"; break;
-        default: ((out += "\\x") += digits[u >> 4]) += digits[u & 15];
+        case '\n':
+            out += "\\n";
+            break;
+        case '\r':
+            out += "\\r";
+            break;
+        case '\t':
+            out += "\\t";
+            break;
+        default:
+            ((out += "\\x") += digits[u >> 4]) += digits[u & 15];
     }
 }
 

@@ -14,8 +14,12 @@ public:
         Next next = readName();
         for (;;) {
             switch (next) {
-                case Next::type: next = readType(); break;
-                case Next::value: next = readValue(); break;
+                case Next::type:
+                    next = readType();
+                    break;
+                case Next::value:
+                    next = readValue();
+                    break;
                 default:
                     if (!finish(next == Next::listEnd)) return readRest();
                     next = readName();
@@ -85,8 +89,9 @@ private:
                 return Next::value;
             }
             if (!reported) {
-                visitor_.error(token.begin, first_ ? "not found value begin tag, token; text with a \":\" needs quotes"
-                                                   : "not found value begin tag, token");
+                visitor_.error(token.begin, first_
+                                                ? "not found value begin tag, token; text with a \":\" needs quotes"
+                                                : "not found value begin tag, token");
             }
             if (token.flag == pmlLexer::TokenEnd) return lostBegin(token);
         }

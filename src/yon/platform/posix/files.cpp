@@ -1,4 +1,4 @@
-#include "yon/platform/files.h"
+#include "yon/platform/platform.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -12,7 +12,7 @@ namespace yon::platform {
 
 namespace {
 
-std::error_code lastError() { return {errno, std::generic_category()}; }
+std::error_code systemError() { return {errno, std::generic_category()}; }
 
 struct Free {
     void operator()(char * p) const noexcept { std::free(p); }
@@ -37,16 +37,16 @@ std::string linkTarget(std::string const & name) {
 
 std::error_code createLike(std::string const & name, std::string const & model, std::FILE *& file) {
     struct stat status;
-    if (::stat(model.c_str(), &status) != 0 || ::access(model.c_str(), W_OK) != 0) return lastError();
+    if (::stat(model.c_str(), &status) != 0 || ::access(model.c_str(), W_OK) != 0) return systemError();
     if (!S_ISREG(status.st_mode)) return std::make_error_code(std::errc::operation_not_supported);
     int const fd = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (fd < 0) return lastError();
+    if (fd < 0) return systemError();
     // The owner first: giving a file away takes some permissions off.
     bool const owned = ::fchown(fd, status.st_uid, status.st_gid) == 0;
     mode_t const special = owned ? 0 : S_ISUID | S_ISGID;
     std::error_code error;
     if (::fchmod(fd, status.st_mode & 07777 & ~special) != 0 || (file = ::fdopen(fd, "wb")) == nullptr) {
-        error = lastError();
+        error = systemError();
         ::close(fd);
         ::unlink(name.c_str());
     }
@@ -54,11 +54,11 @@ std::error_code createLike(std::string const & name, std::string const & model, 
 }
 
 std::error_code flushToDisk(std::FILE * file) {
-    return std::fflush(file) == 0 && ::fsync(::fileno(file)) == 0 ? std::error_code() : lastError();
+    return std::fflush(file) == 0 && ::fsync(::fileno(file)) == 0 ? std::error_code() : systemError();
 }
 
 std::error_code replaceFile(std::string const & from, std::string const & to) {
-    if (::rename(from.c_str(), to.c_str()) != 0) return lastError();
+    if (::rename(from.c_str(), to.c_str()) != 0) return systemError();
     flushDirectoryOf(to);
     return {};
 }

@@ -1,4 +1,4 @@
-#include "yon/platform/files.h"
+#include "yon/platform/platform.h"
 
 #include <fcntl.h>
 #include <io.h>
@@ -12,7 +12,7 @@ namespace yon::platform {
 namespace {
 
 std::error_code cError() { return {errno, std::generic_category()}; }
-std::error_code lastError() { return {static_cast<int>(::GetLastError()), std::system_category()}; }
+std::error_code systemError() { return {static_cast<int>(::GetLastError()), std::system_category()}; }
 
 }  // namespace
 
@@ -34,7 +34,8 @@ std::string linkTarget(std::string const & name) {
 
 std::error_code createLike(std::string const & name, std::string const & model, std::FILE *& file) {
     if (::_access(model.c_str(), 2) != 0) return cError();  // which a file that is read-only does not allow
-    int const fd = ::_open(name.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+    int const fd =
+        ::_open(name.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
     if (fd < 0) return cError();
     file = ::_fdopen(fd, "wb");
     if (file != nullptr) return {};
@@ -51,7 +52,8 @@ std::error_code flushToDisk(std::FILE * file) {
 std::error_code replaceFile(std::string const & from, std::string const & to) {
     // The attributes (hidden, system and the like) move with the name.
     DWORD const attributes = ::GetFileAttributesA(to.c_str());
-    if (!::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return lastError();
+    if (!::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+        return systemError();
     if (attributes != INVALID_FILE_ATTRIBUTES) ::SetFileAttributesA(to.c_str(), attributes);
     return {};
 }
