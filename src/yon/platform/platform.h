@@ -9,7 +9,9 @@
 #include <string>
 #include <system_error>
 
-#include "yon/base/types.h"
+#include "yon/base/conversion_result.h"
+#include "yon/base/istr.h"
+#include "yon/base/iwstr.h"
 
 namespace yon::platform {
 
@@ -32,6 +34,18 @@ struct CalendarTime {
 /// The local time, by the rules of the process's time zone, of a moment in seconds since 1970-01-01 00:00 UTC.
 /// REQUIRES: a moment within the range of 64-bit microseconds.
 CalendarTime localTime(longlong seconds) noexcept;
+
+// --- code page: the character set of the system's narrow text ---
+
+/// Whether narrow text is UTF-8. Cheap.
+bool codePageIsUtf8() noexcept;
+/// Whether a character may take several bytes. Cheap.
+bool codePageIsMultiByte() noexcept;
+
+/// Convert all of `s` and append it to `out`, where after a failure a part of it may stand. A character that the
+/// other side cannot express is illegal. REQUIRES: a code page that is not UTF-8.
+ConversionResult codePageToWide(istr s, wstring & out);
+ConversionResult wideToCodePage(iwstr s, std::string & out);
 
 // --- errors ---
 

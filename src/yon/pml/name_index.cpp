@@ -4,6 +4,16 @@
 
 namespace yon::pml::ntv {
 
+namespace {
+
+/// Through a constant node: asking for a name that may be changed drops the index of its list.
+istr nameAt(NameIndex::Children const & children, ulong i) noexcept {
+    Unit const & child = *children[i];
+    return child.name();
+}
+
+}  // namespace
+
 NameIndex::NameIndex() : seed_(textHashSeed()), slots_(32) {}
 
 ulong NameIndex::lookUp(Children const & children, istr name) const noexcept {
@@ -24,7 +34,7 @@ bool NameIndex::insert(Children const & children, istr name, ulong position) {
 ulong NameIndex::catchUp(Children const & children) {
     ulong twin = npos;
     for (; covered_ < children.size(); ++covered_) {
-        istr const name = children[covered_]->name();
+        istr const name = nameAt(children, covered_);
         if (!name.empty() && !insert(children, name, covered_) && twin == npos) twin = covered_;
     }
     return twin;
@@ -35,7 +45,7 @@ NameIndex::Slot const * NameIndex::slotOf(Children const & children, istr name, 
     std::size_t const mask = slots_.size() - 1;
     for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
         Slot const & slot = slots_[i];
-        if (slot.position == 0 || (slot.hash == hash && children[slot.position - 1]->name() == name)) return &slot;
+        if (slot.position == 0 || (slot.hash == hash && nameAt(children, slot.position - 1) == name)) return &slot;
     }
 }
 
