@@ -2,6 +2,8 @@
 // tree is counted by the heap, with what the heap itself adds.
 #include <benchmark/benchmark.h>
 #include <malloc.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -13,28 +15,44 @@
 namespace {
 
 /// As many trees at once as make a measurable piece of work, so that pausing the clock between pieces costs nothing.
-std::size_t batchOf(std::string const & text) { return std::max<std::size_t>(1, (std::size_t{128} << 10) / text.size()); }
+std::size_t batchOf(std::string const & text) {
+    return std::max<std::size_t>(1, (std::size_t{128} << 10) / text.size());
+}
 
 std::size_t heapInUse() {
     auto const info = mallinfo2();
     return info.uordblks + info.hblkhd;
 }
 
-/// Bytes of memory for a node, with trees that were freed before used up first.
+template <class Peer>
+double countBytesANode(Document const & document) {
+    std::string const & text = Peer::text(document);
+    std::vector<typename Peer::Tree> trees(4 * batchOf(text));
+    std::size_t const before = heapInUse();
+    for (auto & tree : trees) tree = Peer::parse(text);
+    return static_cast<double>(heapInUse() - before) / static_cast<double>(trees.size() * document.nodes);
+}
+
+/// Bytes of memory for a node, counted in a process of its own, where no memory is left over from other trees.
 template <class Peer>
 double bytesANode(Document const & document) {
-    std::string const & text = Peer::text(document);
-    std::size_t const trees = 4 * batchOf(text);
-    std::vector<typename Peer::Tree> kept;
-    kept.reserve(2 * trees);
-    while (kept.size() < trees) kept.push_back(Peer::parse(text));
-    std::size_t const before = heapInUse();
-    while (kept.size() < 2 * trees) kept.push_back(Peer::parse(text));
-    return static_cast<double>(heapInUse() - before) / static_cast<double>(trees * document.nodes);
+    int ends[2];
+    double bytes = 0;
+    if (pipe(ends) != 0) std::abort();
+    pid_t const child = fork();
+    if (child == 0) {
+        bytes = countBytesANode<Peer>(document);
+        _exit(write(ends[1], &bytes, sizeof bytes) == sizeof bytes ? 0 : 1);
+    }
+    if (child < 0 || read(ends[0], &bytes, sizeof bytes) != sizeof bytes) std::abort();
+    waitpid(child, nullptr, 0);
+    close(ends[0]);
+    close(ends[1]);
+    return bytes;
 }
 
 template <class Peer>
-void parse(benchmark::State & state, Document const & document) {
+void parse(benchmark::State & state, Document const & document, double bytes) {
     std::string const & text = Peer::text(document);
     std::vector<typename Peer::Tree> trees(batchOf(text));
     for (auto _ : state) {
@@ -45,7 +63,7 @@ void parse(benchmark::State & state, Document const & document) {
     }
     auto const count = static_cast<double>(trees.size() * document.nodes) * static_cast<double>(state.iterations());
     state.counters["per node"] = benchmark::Counter(count, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-    state.counters["bytes/node"] = bytesANode<Peer>(document);
+    state.counters["bytes/node"] = bytes;
 }
 
 template <class Peer>
@@ -130,9 +148,10 @@ void findNamesInNlohmann(benchmark::State & state, Document const & document) {
 }
 
 template <class Run>
-void add(std::string const & job, Document const & document, char const * contestant, Run run) {
-    benchmark::RegisterBenchmark((job + "/" + document.title + "/" + contestant).c_str(),
-                                 [run, &document](benchmark::State & state) { run(state, document); })
+benchmark::internal::Benchmark * add(std::string const & job, Document const & document, char const * contestant,
+                                     Run run) {
+    return benchmark::RegisterBenchmark((job + "/" + document.title + "/" + contestant).c_str(),
+                                        [run, &document](benchmark::State & state) { run(state, document); })
         ->Unit(benchmark::kMicrosecond);
 }
 
@@ -140,7 +159,9 @@ void showNode(std::string & out, Node const & node, bool sorts) {
     out += node.text;
     std::vector<Node const *> children;
     for (Node const & child : node.children) children.push_back(&child);
-    auto const less = [](Node const * a, Node const * b) { return label(a->name, a->type) < label(b->name, b->type); };
+    auto const less = [](Node const * a, Node const * b) {
+        return label(a->name, a->type) < label(b->name, b->type);
+    };
     if (sorts) std::stable_sort(children.begin(), children.end(), less);
     for (Node const * child : children) {
         out += label(child->name, child->type) + "(";
@@ -153,7 +174,8 @@ void showNode(std::string & out, Node const & node, bool sorts) {
 template <class Peer>
 void verify(Document const & document) {
     std::string expected, shown;
-    showNode(expected, document.root, requires { Peer::sorts; });
+    showNode(
+        expected, document.root, requires { Peer::sorts; });
     Peer::show(shown, Peer::parse(Peer::text(document)));
     if (shown == expected) return;
     std::fprintf(stderr, "%s does not hold the document \"%s\"\n", Peer::name, document.title.c_str());
@@ -162,13 +184,16 @@ void verify(Document const & document) {
 
 template <class Peer>
 void addPeer(Document const & document) {
+    double const bytes = bytesANode<Peer>(document);
     verify<Peer>(document);
-    add("parse", document, Peer::name, parse<Peer>);
+    add("parse", document, Peer::name,
+        [bytes](benchmark::State & state, Document const & d) { parse<Peer>(state, d, bytes); });
     add("print", document, Peer::name, print<Peer>);
     if constexpr (requires(typename Peer::Tree t) { Peer::printIndented(t); }) {
         add("print indented", document, Peer::name, printIndented<Peer>);
     }
-    add("destroy", document, Peer::name, destroy<Peer>);
+    // A few, because the trees are built outside the measured time.
+    add("destroy", document, Peer::name, destroy<Peer>)->Iterations(10);
     if constexpr (requires(typename Peer::Tree t) { Peer::find(t, std::string()); }) {
         if (document.title == "40000 nodes") add("find path", document, Peer::name, findPath<Peer>);
     }

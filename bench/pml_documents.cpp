@@ -50,10 +50,17 @@ void writeXml(std::string & out, Node const & node, int depth) {
     if (node.children.empty()) {
         for (char c : node.text) {
             switch (c) {
-            case '<': out += "&lt;"; break;
-            case '>': out += "&gt;"; break;
-            case '&': out += "&amp;"; break;
-            default: out += c;
+                case '<':
+                    out += "&lt;";
+                    break;
+                case '>':
+                    out += "&gt;";
+                    break;
+                case '&':
+                    out += "&amp;";
+                    break;
+                default:
+                    out += c;
             }
         }
     } else {
@@ -135,12 +142,18 @@ std::string randomWord(Random & random, std::size_t least, std::size_t most) {
 /// A short value, and the type that goes with it.
 Node randomLeaf(Random & random, std::string name) {
     switch (random() % 8) {
-    case 0: return {name, "int", std::to_string(random() % 100000), {}};
-    case 1: return {name, "bool", random() % 2 ? "1" : "0", {}};
-    case 2: return {name, "double", std::to_string(random() % 1000) + "." + std::to_string(random() % 100), {}};
-    case 3: return {name, "string", randomWord(random, 3, 12), {}};
-    case 4: return {name, "", "10.0.0." + std::to_string(random() % 256) + ":80", {}};
-    default: return {name, "", randomWord(random, 2, 10), {}};
+        case 0:
+            return {name, "int", std::to_string(random() % 100000), {}};
+        case 1:
+            return {name, "bool", random() % 2 ? "1" : "0", {}};
+        case 2:
+            return {name, "double", std::to_string(random() % 1000) + "." + std::to_string(random() % 100), {}};
+        case 3:
+            return {name, "string", randomWord(random, 3, 12), {}};
+        case 4:
+            return {name, "", "10.0.0." + std::to_string(random() % 256) + ":80", {}};
+        default:
+            return {name, "", randomWord(random, 2, 10), {}};
     }
 }
 

@@ -5,6 +5,12 @@
 // as "label(text)" and "label(children)", so that the trees of all contestants can be compared.
 #pragma once
 
+#include <rapidjson/document.h>
+#include <rapidjson/pointer.h>
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+#include <yaml-cpp/yaml.h>
 #include <boost/property_tree/info_parser.hpp>
 #include <boost/property_tree/ptree.hpp>
 #include <cstdio>
@@ -13,14 +19,8 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <pugixml.hpp>
-#include <rapidjson/document.h>
-#include <rapidjson/pointer.h>
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
 #include <sstream>
 #include <string>
-#include <yaml-cpp/yaml.h>
 
 #include "pml_documents.h"
 #include "yon/pml/pml_writer.h"
