@@ -129,7 +129,7 @@ TEST(CStrings, CompareByCharactersThenByLength) {
     char const * const texts[] = {"", "a", "A", "ab", "aB", "abc", "ABC", "abd", "[", "\x7F", "\xE0", "x\xE0"};
     for (char const * a : texts) {
         for (char const * b : texts) {
-            for (ulong const n : {0u, 1u, 2u, 3u, npos}) {
+            for (ulong const n : {ulong{0}, ulong{1}, ulong{2}, ulong{3}, npos}) {
                 for (bool const noCase : {false, true}) {
                     int const expected = sign(text(a, n, noCase).compare(text(b, n, noCase)));
                     EXPECT_EQ(sign(StrCmp(a, b, n, noCase)), expected) << a << ", " << b << ", " << n << noCase;
