@@ -31,6 +31,7 @@
 #include "yon/base/time.h"
 #include "yon/base/types.h"
 #include "yon/base/version.h"
+#include "yon/base/view_base.h"
 #include "yon/log/dumper.h"
 #include "yon/log/dumper_stl.h"
 #include "yon/log/hexdump.h"

@@ -5,6 +5,7 @@
 // stream, no locale, no allocation, no terminator needed. Reentrant.
 #pragma once
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <concepts>
@@ -62,32 +63,29 @@ inline char const * skipBlanks(char const * p, char const * end) noexcept {
 
 inline bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 
-/// Steps over a sign and tells whether it was a minus. REQUIRES: `p != end`.
-inline bool takeSign(char const *& p) noexcept {
-    bool const negative = *p == '-';
-    if (negative || *p == '+') ++p;
-    return negative;
-}
+/// Behind the sign, if there is one. REQUIRES: `p != end`.
+inline char const * skipSign(char const * p) noexcept { return p + (*p == '-' || *p == '+'); }
 
+inline bool isE(char c) noexcept { return (c | 0x20) == 'e'; }
+
+/// The general case of an integer. REQUIRES: no leading blanks, not empty.
 template <class T>
 bool parseInteger(char const * p, char const * end, T & value) noexcept {
     using Limits = std::numeric_limits<T>;
-    using Magnitude = std::make_unsigned_t<T>;
-    bool const negative = takeSign(p);
-    Magnitude magnitude = 0;
-    std::errc const error = std::from_chars(p, end, magnitude).ec;
-    Magnitude const greatest =
-        static_cast<Magnitude>(Limits::max()) + static_cast<Magnitude>(std::is_signed_v<T> && negative);
-    if (error == std::errc::invalid_argument) {
+    char const * const digits = skipSign(p);
+    if (digits == end || !isDigit(*digits)) {
         value = 0;
         return false;
     }
-    if (error != std::errc() || magnitude > greatest) {
+    // The minus of a signed type is read with the number.
+    bool const negative = *p == '-';
+    char const * const first = std::is_signed_v<T> && negative ? p : digits;
+    if (std::from_chars(first, end, value).ec != std::errc()) {
         value = std::is_signed_v<T> && negative ? Limits::min() : Limits::max();
         return false;
     }
     // A negated unsigned number wraps, as the stream has it.
-    value = static_cast<T>(negative ? Magnitude{0} - magnitude : magnitude);
+    if (std::is_unsigned_v<T> && negative) value = static_cast<T>(0 - value);
     return true;
 }
 
@@ -97,7 +95,7 @@ inline bool isTooLarge(char const * p, char const * end) noexcept {
     while (p != end && *p == '0') ++p;
     char const * const whole = p;
     while (p != end && isDigit(*p)) ++p;
-    std::ptrdiff_t exponent = p - whole;
+    std::int64_t exponent = p - whole;
     if (p != end && *p == '.') {
         char const * const fraction = ++p;
         if (exponent == 0) {
@@ -107,28 +105,39 @@ inline bool isTooLarge(char const * p, char const * end) noexcept {
         while (p != end && isDigit(*p)) ++p;
     }
     if (p == end || (*p | 0x20) != 'e') return exponent > 0;
-    bool const negative = takeSign(++p);
-    std::int64_t written = 0;
-    if (std::from_chars(p, end, written).ec != std::errc()) return !negative;
-    return exponent + (negative ? -written : written) > 0;
+    bool const negative = *++p == '-';
+    std::uint32_t written = 0;
+    if (std::from_chars(skipSign(p), end, written).ec != std::errc()) return !negative;
+    return exponent + (negative ? -std::int64_t{written} : std::int64_t{written}) > 0;
 }
 
+/// The general case of a floating-point number. REQUIRES: no leading blanks, not empty.
 template <class T>
 bool parseReal(char const * p, char const * end, T & value) noexcept {
-    bool const negative = takeSign(p);
     value = 0;
+    char const * const digits = skipSign(p);
     // Neither names nor a second sign.
-    if (p == end || (!isDigit(*p) && *p != '.')) return false;
+    if (digits == end || (!isDigit(*digits) && *digits != '.')) return false;
     T magnitude = 0;
-    auto const [stop, error] = std::from_chars(p, end, magnitude);
+    auto const [stop, error] = std::from_chars(digits, end, magnitude);
     if (error == std::errc::invalid_argument) return false;
     // The stream takes an "e" for good: without digits behind it there is no number at all.
-    auto const isE = [](char c) { return (c | 0x20) == 'e'; };
-    if (stop != end && isE(*stop) && std::find_if(p, stop, isE) == stop) return false;
-    bool const overflow = std::isinf(magnitude) || (error != std::errc() && isTooLarge(p, end));
+    if (stop != end && isE(*stop) && std::find_if(digits, stop, isE) == stop) return false;
+    bool const overflow = error != std::errc() && isTooLarge(digits, end);
     if (overflow) magnitude = std::numeric_limits<T>::max();
-    value = negative ? -magnitude : magnitude;
+    value = *p == '-' ? -magnitude : magnitude;
     return !overflow;
+}
+
+/// Reads what is a number from the first character on; false leaves the verdict to the general case.
+template <class T>
+bool parsePlain(istr text, T & value) noexcept {
+    auto const [stop, error] = std::from_chars(text.begin(), text.end(), value);
+    if constexpr (std::integral<T>) {
+        return error == std::errc();
+    } else {
+        return error == std::errc() && (stop == text.end() || !isE(*stop)) && std::isfinite(value);
+    }
 }
 
 /// Reads `value` as `std::istream >>` with default flags does, and tells whether the stream would not have failed.
@@ -138,6 +147,9 @@ bool parseReal(char const * p, char const * end, T & value) noexcept {
 template <class T>
 bool parseNumber(istr text, T & value) noexcept {
     static_assert(std::is_arithmetic_v<T> && sizeof(T) <= sizeof(double));
+    if constexpr (!CharacterType<T> && !std::same_as<T, bool>) {
+        if (parsePlain(text, value)) return true;
+    }
     char const * const end = text.end();
     char const * const p = skipBlanks(text.begin(), end);
     if (p == end) return false;
