@@ -21,15 +21,14 @@ using yon::detail::parseNumber;
 
 constexpr std::size_t count = 1024;
 
-/// Runs `work(i)` over all indices; a time is that of one call.
+/// Measures `work(i)` for all indices.
 template <class Work>
 void add(std::string const & name, Work work) {
     benchmark::RegisterBenchmark(name.c_str(), [work](benchmark::State & state) {
-        std::size_t i = 0;
         for (auto _ : state) {
-            work(i);
-            i = (i + 1) % count;
+            for (std::size_t i = 0; i < count; ++i) work(i);
         }
+        state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(count));
     });
 }
 
@@ -66,19 +65,20 @@ void addViews(std::string const & contestant) {
     }
 }
 
-/// A buffer that grows from nothing by 1000 pieces.
+/// A buffer that grows from nothing by 100 pieces.
 template <std::size_t size>
 void addAppend() {
     static std::string const piece(size, 'x');
-    std::string const job = "append 1000 times/" + std::to_string(size) + "/";
+    std::string const job = "append 100 times/" + std::to_string(size) + "/";
     add(job + "zuvyon", [](std::size_t) {
         yon::Bytes b;
-        for (int i = 0; i < 1000; ++i) b.append(piece);
+        for (int i = 0; i < 100; ++i) b.append(piece);
         benchmark::DoNotOptimize(b.data());
     });
     add(job + "std::vector", [](std::size_t) {
         std::vector<unsigned char> v;
-        for (int i = 0; i < 1000; ++i) v.insert(v.end(), piece.begin(), piece.end());
+        auto const bytes = reinterpret_cast<unsigned char const *>(piece.data());
+        for (int i = 0; i < 100; ++i) v.insert(v.end(), bytes, bytes + size);
         benchmark::DoNotOptimize(v.data());
     });
 }
@@ -110,12 +110,12 @@ void addNumbers(std::string const & kind, std::vector<T> values) {
         benchmark::ClobberMemory();
     });
     add(kind + " from text/zuvyon", [=](std::size_t i) {
-        T value;
+        T value{};
         benchmark::DoNotOptimize(parseNumber(istr(texts[i]), value));
         benchmark::DoNotOptimize(value);
     });
     add(kind + " from text/std::from_chars", [=](std::size_t i) {
-        T value;
+        T value{};
         benchmark::DoNotOptimize(std::from_chars(texts[i].data(), texts[i].data() + texts[i].size(), value).ec);
         benchmark::DoNotOptimize(value);
     });

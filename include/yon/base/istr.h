@@ -27,7 +27,7 @@ struct istr : detail::view_base<istr, char> {
     /// The first `n` characters of `s`, or all.
     istr(istr const & s, ulong n) noexcept : istr(s.leftstr(n)) {}
 
-    bool endWith(istr const & s) const noexcept { return rightstr(s.size()).compare(s) == 0; }
+    bool endWith(istr const & s) const noexcept { return text().ends_with(s.text()); }
 
     /// Writes the size, ", " and the text, for diagnostics.
     YON_API std::ostream & dump(std::ostream & os) const;

@@ -54,7 +54,7 @@ struct view_base {
     View removeLeft(View const & s) const noexcept { return removeLeft(s.size_); }
     View removeRight(View const & s) const noexcept { return removeRight(s.size_); }
 
-    bool beginWith(View const & s) const noexcept { return size_ >= s.size_ && leftstr(s.size_).compare(s) == 0; }
+    bool beginWith(View const & s) const noexcept { return text().starts_with(s.text()); }
 
     /// The position of the first occurrence at or after `pos`, or `npos`.
     ulong find(View const & s, ulong pos = 0) const noexcept { return position(text().find(s.text(), pos)); }
@@ -71,11 +71,12 @@ struct view_base {
     }
 
 protected:
+    constexpr std::basic_string_view<Char> text() const noexcept { return {data_, size_}; }
+
     ulong size_ = 0;
     Char const * data_ = nullptr;
 
 private:
-    constexpr std::basic_string_view<Char> text() const noexcept { return {data_, size_}; }
     static ulong position(std::size_t p) noexcept { return static_cast<ulong>(p); }
 };
 

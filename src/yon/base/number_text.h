@@ -129,15 +129,29 @@ bool parseReal(char const * p, char const * end, T & value) noexcept {
     return !overflow;
 }
 
-/// Reads what is a number from the first character on; false leaves the verdict to the general case.
-template <class T>
+// The usual case: text that is a plain number from its first character on, which these read at once. False leaves it
+// to the general case.
+
+template <std::integral T>
+bool parsePlain(istr text, T & value) noexcept {
+    char const * p = text.begin();
+    bool const negative = std::is_signed_v<T> && p != text.end() && *p == '-';
+    p += negative;
+    // As many digits as can never be too many.
+    constexpr std::ptrdiff_t safe = std::numeric_limits<T>::digits10;
+    char const * const first = p;
+    char const * const end = p + std::min(text.end() - p, safe);
+    std::make_unsigned_t<T> number = 0;
+    for (; p != end && isDigit(*p); ++p) number = static_cast<decltype(number)>(number * 10u + (*p - '0'));
+    if (p == first || (p != text.end() && isDigit(*p))) return false;
+    value = static_cast<T>(negative ? 0 - number : number);
+    return true;
+}
+
+template <std::floating_point T>
 bool parsePlain(istr text, T & value) noexcept {
     auto const [stop, error] = std::from_chars(text.begin(), text.end(), value);
-    if constexpr (std::integral<T>) {
-        return error == std::errc();
-    } else {
-        return error == std::errc() && (stop == text.end() || !isE(*stop)) && std::isfinite(value);
-    }
+    return error == std::errc() && (stop == text.end() || !isE(*stop)) && std::isfinite(value);
 }
 
 /// Reads `value` as `std::istream >>` with default flags does, and tells whether the stream would not have failed.

@@ -3,7 +3,7 @@
 #include <iomanip>
 #include <sstream>
 
-#include "yon/base/leak_checker.h"
+#include "yon/base/located_new.h"
 #include "yon/base/throw.h"
 #include "yon/base/time.h"
 
@@ -11,16 +11,8 @@ namespace yon {
 
 namespace {
 
-constexpr char const * sourceFile = "src/yon/log/log_dumper";
-
 /// Of a text, so that a large buffer cannot flood a log.
 constexpr ulong maxShown = 256;
-
-std::ostream * newStream() {
-    std::ostream * const os = new std::ostringstream;
-    MemLeakChecker::push(os, sourceFile, __LINE__, "yon::dumper::dumper", sizeof(std::ostringstream));
-    return os;
-}
 
 dumper::Config makeConfig(bool compact, char const * lineSeparator, char const * indentSeparator, unsigned level,
                           char const * eolSeparator) {
@@ -39,12 +31,10 @@ dumper::dumper(bool compact, char const * lineSeparator, char const * indentSepa
                char const * eolSeparator)
     : dumper(makeConfig(compact, lineSeparator, indentSeparator, level, eolSeparator)) {}
 
-dumper::dumper(Config const & cfg) : cfg_(cfg), os_(newStream()), owned_(true) {}
+dumper::dumper(Config const & cfg) : cfg_(cfg), os_(YON_NEW(std::ostringstream)()), owned_(true) {}
 
 dumper::~dumper() {
-    if (!owned_) return;
-    MemLeakChecker::pop(os_);
-    delete os_;
+    if (owned_) YON_DELETE(os_);
 }
 
 dumper & dumper::compact(bool compact) noexcept {
@@ -132,7 +122,8 @@ String dumper::text() const { return owned_ ? static_cast<std::ostringstream con
 
 String dumper::str() const {
     if (!owned_) {
-        YON_THROW_AT((diagnostics::Location{sourceFile, __LINE__, "yon::dumper::str"}), UnsupportedFunctionException);
+        YON_THROW_AT(YON_LOCATION("src/yon/log/log_dumper", __LINE__, "yon::dumper::str"),
+                     UnsupportedFunctionException);
     }
     return text();
 }

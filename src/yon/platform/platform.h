@@ -5,7 +5,9 @@
 // called from any thread and let nothing out but `std::bad_alloc`.
 #pragma once
 
+#include <cstdio>
 #include <string>
+#include <system_error>
 
 #include "yon/base/conversion_result.h"
 #include "yon/base/istr.h"
@@ -53,5 +55,23 @@ std::string errnoText(int code);
 
 /// The system's own text for one of its error codes, on one line; empty when it has none. Leaves the last error.
 std::string systemText(int code);
+
+// --- files ---
+
+/// The file that a name means in the end, when it is a symbolic link; otherwise, or when that fails, the name.
+std::string linkTarget(std::string const & name);
+
+/// Makes a file that must not exist yet, with the permissions and, where possible, the owner of a regular file that may
+/// be written. Opens it for writing in binary form; the caller closes it.
+std::error_code createLike(std::string const & name, std::string const & model, std::FILE *& file);
+
+/// Writes everything out, down to the disk.
+std::error_code flushToDisk(std::FILE * file);
+
+/// Puts a closed file in the place of another in the same directory, in one step.
+std::error_code replaceFile(std::string const & from, std::string const & to);
+
+/// Ends the translation of line ends.
+void setBinary(std::FILE * file);
 
 }  // namespace yon::platform
