@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <ostream>
-#include <unordered_map>
 
 #include "number_rules.h"
 #include "tree.h"
@@ -77,7 +76,7 @@ public:
 private:
     struct List {
         std::size_t size = 0;
-        std::unordered_map<std::string, std::size_t> places;  ///< of the nodes, by name or "[n]"
+        KeyMap<std::size_t> places;  ///< of the nodes, by name or "[n]"
     };
 
     static bool isBlank(char c) noexcept { return yon::pml::pmlLexer::IsBlankChar(c); }
