@@ -88,7 +88,7 @@ TEST_F(PmlTool, CheckReportsEachFindingAtItsPlace) {
         {"a", "1:1: error: the input ends behind this name\n"},
         {"a(\nb(1", "1:2: error: this list is never closed\n2:2: error: this value is never closed\n"},
         {"a(1)\n (* (* *)", "2:2: error: this comment is never closed\n"},
-        {"a(b(1)'x", "1:7: error: this quote is never closed\n"},
+        {"a(b(1)'x\n", "1:7: error: this quote is never closed\n"},
         {"a:int", "1:3: error: get type token\n"},
         {"a:int)", "1:3: error: not found value begin tag, token\n"},
         {"r(a(1) b:int 2) c(3))", "1:10: error: not found value begin tag, token\n"},

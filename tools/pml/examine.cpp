@@ -61,7 +61,7 @@ public:
     void text(Token const & token) override {
         String value(token.text);
         yon::pml::unescapeString(value);
-        if (!value.empty() && (isBlank(value.front()) || isBlank(value.back()))) {
+        if (token.ended && !value.empty() && (isBlank(value.front()) || isBlank(value.back()))) {
             warn(token.begin, "this text begins or ends with a blank, and keeps it only in quotes");
         }
         std::string const fault = numberFault(type_, value);
