@@ -34,7 +34,7 @@ bool isReadBack(Unit const & root) {
         units.pop_back();
         if (hasQuote(unit.name()) || hasQuote(unit.type())) return false;
         ntv::ListValue * list = nullptr;
-        if (!unit.getValue(list)) continue;
+        if (!unit.getValue(list) || list->empty()) continue;
         if (istr(list->data().front()->name()).beginWith("*")) return false;
         units.insert(units.end(), list->begin(), list->end());
     }

@@ -90,22 +90,21 @@ inline std::vector<Outcome> parseFromAll(std::string const & text, bool valueOnl
     return outcomes;
 }
 
-/// Whether two trees have the same names, types, texts and shape, however deep. No value may count as an empty text,
-/// which is how it is printed.
-inline bool sameTree(Unit const & left, Unit const & right, bool noneIsEmpty = false) {
+/// Whether two trees have the same names, types, values and shape, however deep. Between nodes without a value, with
+/// an empty text and with an empty list, which are printed alike, a difference may be let pass.
+inline bool sameTree(Unit const & left, Unit const & right, bool emptyIsEmpty = false) {
     std::vector<std::pair<Unit const *, Unit const *>> pairs{{&left, &right}};
     while (!pairs.empty()) {
         auto const [a, b] = pairs.back();
         pairs.pop_back();
-        ntv::ListValue * la = nullptr;
-        ntv::ListValue * lb = nullptr;
-        a->getValue(la);
-        b->getValue(lb);
-        bool const same = a->name() == b->name() && a->type() == b->type() && (la == nullptr) == (lb == nullptr) &&
-                          a->getStringValue() == b->getStringValue() &&
-                          (noneIsEmpty || (a->value() == nullptr) == (b->value() == nullptr));
+        ntv::ListValue * listA = nullptr;
+        ntv::ListValue * listB = nullptr;
+        bool const kinds =
+            a->getValue(listA) == b->getValue(listB) && (a->value() == nullptr) == (b->value() == nullptr);
+        bool const same = a->name() == b->name() && a->type() == b->type() &&
+                          a->getStringValue() == b->getStringValue() && (kinds || emptyIsEmpty);
         if (!same || a->numofChildren() != b->numofChildren()) return false;
-        for (ulong i = 0; i < a->numofChildren(); ++i) pairs.emplace_back(la->data()[i], lb->data()[i]);
+        for (ulong i = 0; i < a->numofChildren(); ++i) pairs.emplace_back(listA->data()[i], listB->data()[i]);
     }
     return true;
 }
