@@ -31,7 +31,7 @@ public:
     /// Adds at the end; `s` may be a part of this buffer.
     Bytes & append(istr const & s) {
         ulong const n = s.size();
-        if (n > max_size_ - size_) return appendGrowing(s);
+        if (ulonglong{size_} + n > max_size_) return appendGrowing(s);
         if (n != 0 && buffer_ != nullptr) std::memcpy(buffer_ + size_, s.data(), n);
         size_ += n;
         return *this;

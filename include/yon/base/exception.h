@@ -72,18 +72,18 @@ struct YON_API DuplicatedUnitException : public ExceptionBase {
     using ExceptionBase::ExceptionBase;
 };
 
-/// What a class derived from `Exception` declares to be kept and raised again with its own type. In the source file
-/// YON_EXCEPTION_DEFINE(X, "yon::X") defines it.
-#define YON_EXCEPTION_DECLARE               \
-    static char const * const name_;        \
-    std::string yon_name() const override;  \
-    Exception * yon_clone() const override; \
+/// What a class derived from `Exception` declares in its public part to be kept and raised again with its own type.
+/// In the source file YON_EXCEPTION_DEFINE(X, "yon::X") defines it.
+#define YON_EXCEPTION_DECLARE                      \
+    static char const * const name_;               \
+    std::string yon_name() const override;         \
+    ::yon::Exception * yon_clone() const override; \
     [[noreturn]] void yon_throw() const override;
 
-#define YON_EXCEPTION_DEFINE(X, name)                                           \
-    char const * const X::name_ = name;                                         \
-    std::string X::yon_name() const { return name_; }                           \
-    Exception * X::yon_clone() const { return detail::clone(*this, YON_HERE); } \
+#define YON_EXCEPTION_DEFINE(X, name)                                                         \
+    char const * const X::name_ = name;                                                       \
+    std::string X::yon_name() const { return name_; }                                         \
+    ::yon::Exception * X::yon_clone() const { return ::yon::detail::clone(*this, YON_HERE); } \
     void X::yon_throw() const { throw *this; }
 
 /// An exception that knows its name and can be kept and raised again in another thread.

@@ -137,6 +137,7 @@ private:
     bool takesName(istr name);
     void append(Unit * child, Unit * owner);
     void checkNames() const;
+    void lendName(Unit & child) noexcept;
     void forgetNames() noexcept;
     NameIndex & index() const;
 
@@ -192,6 +193,7 @@ public:
     /// Empties the node and detaches it from its parent.
     void clear() noexcept;
 
+    /// The name to be changed. The parent finds the node by the new name if that is written before the next look-up.
     String & name() noexcept;
     String const & name() const noexcept { return name_; }
     Unit & name(istr name);
@@ -352,7 +354,8 @@ private:
     ulong index_ = 0;
     Kind kind_ = Kind::none;
     bool ownsType_ = false;
-    bool listed_ = false;  ///< stands in the list of `parent_`
+    bool listed_ = false;    ///< stands in the list of `parent_`
+    bool nameLent_ = false;  ///< the list's index will look at the name again
 };
 
 template <detail::Scalar T>

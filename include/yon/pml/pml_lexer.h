@@ -44,14 +44,9 @@ public:
     /// the input ends first; what was read so far is in `token` then.
     bool getToken(String & token, TokenFlag & flag);
 
-    /// White space, but for bytes from 80 hex up in a multi-byte code page, which are parts of letters.
-    static bool IsBlankChar(char c) noexcept {
-        auto const u = static_cast<unsigned char>(c);
-        return u < 0x80 ? u == ' ' || (u >= '\t' && u <= '\r') : isHighBlank(c);
-    }
-
-private:
-    static bool isHighBlank(char c) noexcept;
+    /// White space. Bytes from 80 hex up never are, whatever the locale says: they may be parts of letters, and a text
+    /// must not lose its end to a locale that takes one of them for a blank.
+    static bool IsBlankChar(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
 };
 
 /// Reads from a stream that the caller keeps alive. It takes no character beyond the last one it needs.

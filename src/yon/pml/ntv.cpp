@@ -290,10 +290,10 @@ void Unit::freeType() noexcept {
     ownsType_ = false;
 }
 
-/// The name is about to change: what the parent's list knows of names is stale.
+/// The name is about to change: what the parent's list knows of it will be stale.
 void Unit::renamed() noexcept {
     if (listed_ && parent_ != nullptr && parent_->kind_ == Kind::list) {
-        static_cast<ListValue *>(parent_->value_)->forgetNames();
+        static_cast<ListValue *>(parent_->value_)->lendName(*this);
     }
 }
 

@@ -40,6 +40,8 @@ struct Access {
     /// Appends a child, unless its key is taken.
     static bool tryAdd(ListValue & list, Unit * child, Unit * owner) { return list.tryAdd(child, owner); }
     static void setType(Unit & unit, istr type) { unit.setType(type); }
+    /// The index of names has looked at the node again.
+    static void returnName(Unit & unit) noexcept { unit.nameLent_ = false; }
     static void setName(Unit & unit, istr name) { unit.name_ = name; }
 
     /// Gives `to`, which has no value, a deep copy of `from`'s value.

@@ -106,6 +106,8 @@ Unit * ListValue::findNamed(istr name) const {
 /// Appends a child, unless its key is taken.
 bool ListValue::tryAdd(Unit * child, Unit * owner) {
     auto const position = static_cast<ulong>(data_.size());
+    // Room first: once its name is entered, the child must get in.
+    if (data_.size() == data_.capacity()) data_.reserve(data_.size() < 4 ? 4 : data_.size() * 2);
     if (!child->name_.empty()) {
         if (!takesName(child->name_)) return false;
     } else if (!plain_) {
@@ -114,7 +116,7 @@ bool ListValue::tryAdd(Unit * child, Unit * owner) {
         if (findNamed(key) != nullptr) return false;
     }
     append(child, owner);
-    if (NameIndex * const known = index_.load(std::memory_order_relaxed)) known->covered(position + 1);
+    if (NameIndex * const known = index_.load(std::memory_order_relaxed)) known->catchUp(data_);
     return true;
 }
 
@@ -147,10 +149,28 @@ void ListValue::checkNames() const {
     if (twins) throw std::invalid_argument("duplicated unit");
 }
 
-/// A child was renamed, or all are gone.
+/// The name of a child may be about to change.
+void ListValue::lendName(Unit & child) noexcept {
+    plain_ = false;
+    NameIndex * const known = index_.load(std::memory_order_relaxed);
+    if (known == nullptr || child.nameLent_) return;
+    bool const inPlace = child.index_ < data_.size() && data_[child.index_] == &child;
+    if (inPlace && known->lend(child.index_)) {
+        child.nameLent_ = true;
+    } else {
+        forgetNames();
+    }
+}
+
+/// Drops the index.
 void ListValue::forgetNames() noexcept {
     plain_ = false;
-    delete index_.exchange(nullptr, std::memory_order_relaxed);
+    NameIndex * const known = index_.exchange(nullptr, std::memory_order_relaxed);
+    if (known == nullptr) return;
+    for (ulong position : known->lent()) {
+        if (position < data_.size()) data_[position]->nameLent_ = false;
+    }
+    delete known;
 }
 
 /// The index, made now when there is none. Of threads that make it at once the first one wins.

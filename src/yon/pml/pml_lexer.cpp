@@ -2,7 +2,6 @@
 
 #include <istream>
 
-#include "yon/platform/platform.h"
 #include "yon/pml/token_reader.h"
 
 namespace yon::pml {
@@ -18,8 +17,6 @@ bool pmlLexer::getToken(String & token, TokenFlag & flag) {
     if (ended) flag = read.flag;
     return ended;
 }
-
-bool pmlLexer::isHighBlank(char c) noexcept { return CharIsSpace(c) && !platform::codePageIsMultiByte(); }
 
 bool pmlLexerIstream::__get_char(char & c) {
     if (!__peek_char(c)) return false;

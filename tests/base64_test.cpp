@@ -1,0 +1,120 @@
+#include "yon/string/base64.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+namespace yon {
+namespace {
+
+constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+/// Bit by bit, as the definition has it.
+std::string simpleEncode(std::string const & bytes) {
+    std::string text;
+    unsigned bits = 0;
+    int count = 0;
+    for (char const c : bytes) {
+        bits = bits << 8 | static_cast<unsigned char>(c);
+        for (count += 8; count >= 6; count -= 6) text += alphabet[bits >> (count - 6) & 63];
+    }
+    if (count != 0) text += alphabet[bits << (6 - count) & 63];
+    while (text.size() % 4 != 0) text += '=';
+    return text;
+}
+
+/// Valid is what encoding may have made, blanks aside.
+bool simpleDecode(std::string text, std::string & bytes) {
+    std::erase_if(text, [](char c) { return c != '\0' && std::strchr(" \t\n\v\f\r", c) != nullptr; });
+    bytes.clear();
+    unsigned bits = 0;
+    int count = 0;
+    for (char const c : text.substr(0, text.find('='))) {
+        auto const value = std::string(alphabet).find(c);
+        if (value == std::string::npos) return false;
+        bits = bits << 6 | static_cast<unsigned>(value);
+        count += 6;
+        if (count >= 8) bytes += static_cast<char>(bits >> (count -= 8));
+    }
+    return simpleEncode(bytes) == text;
+}
+
+std::string randomText(std::mt19937 & random, std::size_t maxSize, std::string const & letters = "") {
+    std::string s(random() % (maxSize + 1), '\0');
+    for (char & c : s) c = static_cast<char>(letters.empty() ? random() : letters[random() % letters.size()]);
+    return s;
+}
+
+TEST(Base64Test, EncodesTheVectorsOfTheStandard) {
+    struct {
+        char const * bytes;
+        char const * text;
+    } const rows[] = {{"", ""},
+                      {"f", "Zg=="},
+                      {"fo", "Zm8="},
+                      {"foo", "Zm9v"},
+                      {"foob", "Zm9vYg=="},
+                      {"fooba", "Zm9vYmE="},
+                      {"foobar", "Zm9vYmFy"},
+                      {"\xFB\xFF\xBF", "+/+/"}};
+    for (auto const & row : rows) {
+        EXPECT_EQ(Base64::encode(row.bytes), row.text);
+        Bytes out;
+        EXPECT_TRUE(Base64::decode(row.text, out));
+        EXPECT_EQ(out, row.bytes);
+    }
+    EXPECT_EQ(Base64::encode(nullptr), "");
+}
+
+TEST(Base64Test, RoundTripsBytesAlsoWithBlanksBetween) {
+    std::mt19937 random(1);
+    for (int i = 0; i < 3000; ++i) {
+        std::string const bytes = randomText(random, i < 200 ? 8 : 400);
+        String text = Base64::encode(bytes);
+        ASSERT_EQ(text, simpleEncode(bytes));
+        ASSERT_EQ(text.size(), Base64::encodedSize(bytes.size()));
+        ASSERT_LE(bytes.size(), Base64::maxDecodedSize(text.size()));
+        for (auto blanks = random() % 4; blanks > 0; --blanks) {
+            text.insert(random() % (text.size() + 1), 1 + random() % 3, " \t\n\v\f\r"[random() % 6]);
+        }
+        String both = "head";
+        Base64::appendEncoded(both, bytes);
+        ASSERT_EQ(both, "head" + simpleEncode(bytes));
+        Bytes out("before");
+        ASSERT_TRUE(Base64::appendDecoded(out, text));
+        ASSERT_EQ(out, "before" + bytes);
+        ASSERT_TRUE(Base64::decode(text, out));
+        ASSERT_EQ(out, bytes);
+    }
+}
+
+TEST(Base64Test, AcceptsOneTextForTheSameBytesOnly) {
+    std::mt19937 random(2);
+    auto const check = [](std::string const & text) {
+        std::string expected;
+        bool const valid = simpleDecode(text, expected);
+        Bytes out("kept");
+        ASSERT_EQ(Base64::decode(text, out), valid) << text;
+        ASSERT_EQ(out, valid ? expected : "kept") << text;
+        Bytes appended("kept");
+        ASSERT_EQ(Base64::appendDecoded(appended, text), valid) << text;
+        ASSERT_EQ(appended, valid ? "kept" + expected : "kept") << text;
+    };
+    for (int c = 0; c < 256; ++c) {
+        for (std::string const text : {"AAAA", "AAA=", "AA==", "AAAAAAAA", "AAAAAA=="}) {
+            for (std::size_t at = 0; at < text.size(); ++at) {
+                check(std::string(text).replace(at, 1, 1, static_cast<char>(c)));
+            }
+        }
+    }
+    for (char const * text : {"=",    "==",    "===",    "====",     "A",        "AA",     "AAA",
+                              "A===", "AAAA=", "AAAA==", "AAAA====", "AA==AA==", "AA= =",  " ",
+                              "AA=A", "=AAA",  "AAA==",  "AA",       "AA\n==\n", "AAA=\nx"}) {
+        check(text);
+    }
+    for (int i = 0; i < 100000; ++i) ASSERT_NO_FATAL_FAILURE(check(randomText(random, 12, "AQgw+/8= \n==-")));
+}
+
+}  // namespace
+}  // namespace yon

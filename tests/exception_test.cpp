@@ -1,0 +1,339 @@
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <sstream>
+#include <thread>
+#include <vector>
+
+#include "yon/base/system.h"
+#include "yon/base/throw.h"
+
+namespace app {
+namespace {
+
+/// As applications derive theirs: with a code, and a text of its own.
+class CodeException : public yon::Exception {
+public:
+    CodeException(char const * file, unsigned int line, char const * func, int code)
+        : yon::Exception(file, line, func, name_), code_(code) {}
+    void yon_print(std::ostream & os) const override {
+        yon::Exception::yon_print(os);
+        os << "code " << std::dec << code_;
+    }
+    YON_EXCEPTION_DECLARE
+    int code_;
+};
+YON_EXCEPTION_DEFINE(CodeException, "app::CodeException")
+
+}  // namespace
+}  // namespace app
+
+namespace yon {
+namespace {
+
+using app::CodeException;
+
+template <class T>
+std::string printed(T const & value) {
+    std::ostringstream os;
+    os << std::hex << std::showbase << value;
+    return os.str();
+}
+
+/// Stands in for the logging layer: notes what it is told and provides a call stack.
+class Recorder final : public diagnostics::Sink {
+public:
+    Recorder() : before_(diagnostics::install(this)) {}
+    ~Recorder() { diagnostics::install(before_); }
+
+    void exceptionThrown(diagnostics::Location const & where, istr message) noexcept override {
+        note("throw", where, message);
+        // Reports made while reporting are dropped.
+        diagnostics::exceptionThrown(where, "nested");
+        nestedAnswers_ = diagnostics::categoryOn("any");
+    }
+    void record(diagnostics::Level, istr tag, diagnostics::Location const & where, istr message) noexcept override {
+        note(tag, where, message);
+    }
+    bool categoryOn(istr category) noexcept override { return category == "any"; }
+    void enter(diagnostics::Location const & where) noexcept override { note("enter", where, ""); }
+    void leave(diagnostics::Location const & where) noexcept override { note("leave", where, ""); }
+    void callStack(CallStack & out) noexcept override { out = calls_; }
+
+    CallStack calls_;
+    std::vector<std::string> notes_;
+    bool nestedAnswers_ = false;
+
+private:
+    void note(istr what, diagnostics::Location const & where, istr message) {
+        notes_.push_back(printed(Current(where)) + " " + std::string(what) + " " + std::string(message));
+    }
+    diagnostics::Sink * before_;
+};
+
+TEST(Current, PrintsNameAndPlace) {
+    struct Row {
+        Current where;
+        char const * expected;
+    };
+    for (Row const & row : {Row{{"util_func.src", 319, "yon::CharAt"}, "yon::CharAt(util_func.src:319)"},
+                            {{"c:\\dir\\a.cpp", 10, nullptr}, "(a.cpp:10)"},
+                            {{"src/yon/mt/cond", 25, "f"}, "f(src/yon/mt/cond:25)"},
+                            {{nullptr, 7, "yon::f"}, "yon::f"},
+                            {{}, ""}}) {
+        EXPECT_EQ(printed(row.where), row.expected);
+        EXPECT_EQ(printed(Current(row.where).prefix("> ")), std::string("> ") + row.expected);
+    }
+    Current const c("f", 1, "g");
+    EXPECT_EQ(c.prefix("x").prefix(nullptr).prefix(), "");
+}
+
+TEST(Current, FoldsWhatIsWiderThanTheLine) {
+    for (std::size_t const prefix : {1u, 13u, 118u, 119u, 200u}) {
+        for (std::size_t const length : {1u, 105u, 106u, 107u, 118u, 119u, 222u, 223u, 224u, 240u}) {
+            std::string func;
+            for (std::size_t i = 0; i < length; ++i) func += static_cast<char>('a' + i % 26);
+            std::string expected(prefix, '>');
+            std::size_t const room = 119 - std::min<std::size_t>(prefix, 119);
+            if (length <= room) {
+                expected += func;
+            } else {
+                std::string const rest = func.substr(room);
+                std::string const shown = rest.substr(rest.size() - std::min<std::size_t>(rest.size(), 117));
+                expected += func.substr(0, room) + '\n' + std::string(118 - shown.size(), ' ') + shown;
+            }
+            Current const c(nullptr, 0, func.c_str());
+            EXPECT_EQ(printed(c.prefix(std::string(prefix, '>').c_str())), expected) << prefix << ", " << length;
+        }
+    }
+}
+
+TEST(Current, OrdersByFileLineAndFunction) {
+    Current const ascending[] = {{"A", 9, "z"}, {"a", 2, "b"}, {"a", 10, "a"}, {"a", 10, "b"}, {"\xE0", 1, "a"}};
+    for (Current const & x : ascending) {
+        for (Current const & y : ascending) EXPECT_EQ(x < y, &x < &y) << x << y;
+    }
+}
+
+CallStack twoCalls() {
+    CallStack s;
+    s.container().push({"app.src", 12, "yon::run"});
+    s.container().push({"parser.src", 88, "yon::Parser::parse"});
+    return s;
+}
+
+TEST(CallStack, PrintsTheLastCallFirst) {
+    EXPECT_EQ(printed(CallStack()), "");
+    CallStack const s = twoCalls();
+    EXPECT_EQ(s.separator(), "\n");
+    EXPECT_EQ(printed(s), "yon::Parser::parse(parser.src:88)\nyon::run(app.src:12)");
+    EXPECT_EQ(s.container().begin()->prefix(), "\n") << "the decoration stays";
+    EXPECT_EQ(s.container().top().prefix(), "");
+    EXPECT_EQ(printed(s.separator("; ")), "yon::Parser::parse(parser.src:88); yon::run(app.src:12)");
+    s.container().top().prefix("top ");
+    EXPECT_EQ(printed(CallStack(s)), "top yon::Parser::parse(parser.src:88); yon::run(app.src:12)");
+}
+
+TEST(Exception, PrintsMessagePlaceAndCalls) {
+    Recorder log;
+    OutOfRangeException const bare("a", 1, "f", "msg");
+    EXPECT_EQ(printed(bare), "{\n EXCEPTION: msg\n        AT: f(a:1)\nCALL STACK: }\n");
+    log.calls_ = twoCalls();
+    OutOfRangeException const e("util_func.src", 319, "yon::CharAt",
+                                "yon::OutOfRangeException: yon::OutOfRangeException");
+    log.calls_ = {};
+    std::string const expected =
+        "{\n"
+        " EXCEPTION: yon::OutOfRangeException: yon::OutOfRangeException\n"
+        "        AT: yon::CharAt(util_func.src:319)\n"
+        "CALL STACK: yon::Parser::parse(parser.src:88)\n"
+        "            yon::run(app.src:12)}\n";
+    EXPECT_EQ(e.info().prefix(), "");
+    EXPECT_EQ(printed(e), expected);
+    EXPECT_EQ(printed(OutOfRangeException(e)), expected);
+    EXPECT_EQ(e.info().prefix(), "\n        AT: ");
+    EXPECT_EQ(e.stack().separator(), "\n            ");
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int k = 0; k < 200; ++k) EXPECT_EQ(printed(e), expected);
+        });
+    }
+    for (std::thread & t : threads) t.join();
+
+    std::string const func(120, 'x');
+    std::string const text = printed(EmptyDataException(nullptr, 0, func.c_str(), "m"));
+    EXPECT_NE(text.find("AT: " + func.substr(14) + "\n" + std::string(104, ' ') + func.substr(106) + "\nCALL"),
+              text.npos);
+    EXPECT_EQ(printed(static_cast<std::exception const &>(std::logic_error("x"))), "std::exception: x");
+}
+
+TEST(Exception, IsKeptAndRaisedAgainAsItself) {
+    MemLeakChecker::enable(true);
+    std::size_t const before = MemLeakChecker::count();
+    Exception * kept = nullptr;
+    try {
+        YON_THROW(CodeException, 42);
+    } catch (Exception const & e) {
+        EXPECT_EQ(e.yon_name(), "app::CodeException");
+        EXPECT_STREQ(e.what(), "app::CodeException");
+        EXPECT_EQ(printed(e).substr(printed(e).size() - 9), "}\ncode 42");
+        kept = e.yon_clone();
+    }
+    EXPECT_EQ(MemLeakChecker::count(), before + 1);
+    EXPECT_THROW(kept->yon_throw(), CodeException);
+    try {
+        kept->yon_throw();
+    } catch (CodeException const & e) {
+        EXPECT_EQ(e.code_, 42);
+        EXPECT_EQ(e.yon_line(), kept->line());
+        EXPECT_STREQ(e.yon_file(), "tests/exception_test.cpp");
+    }
+    YON_DELETE(kept);
+    EXPECT_EQ(MemLeakChecker::count(), before);
+    MemLeakChecker::enable(false);
+
+    std::unique_ptr<Exception> const plain(Exception("f", 1, "g", "m").yon_clone());
+    EXPECT_EQ(plain->yon_name(), Exception::name_);
+    EXPECT_STREQ(plain->msg(), "m");
+    std::unique_ptr<Exception> const handle(NullHandleException("f", 1, "g").yon_clone());
+    EXPECT_STREQ(handle->what(), "yon::NullHandleException");
+    EXPECT_THROW(handle->yon_throw(), NullHandleException);
+}
+
+TEST(Throw, SpellsTheClassAndTellsTheLog) {
+    struct Row {
+        void (*raise)();
+        char const * message;
+        char const * note;
+    };
+    Recorder log;
+    for (Row const & row : {
+             Row{+[] { YON_THROW(yon::EmptyDataException); }, "yon::EmptyDataException: yon::EmptyDataException",
+                 "throw yon::EmptyDataException: yon::EmptyDataException"},
+             {+[] { YON_THROW(InvalidDataException, "no digits"); }, "InvalidDataException: no digits",
+              "throw InvalidDataException: no digits"},
+             {+[] { YON_THROW(ToBeDoneException, String("x") + "y"); }, "ToBeDoneException: xy", "throw ToBe"},
+             {+[] { YON_THROW_AT(YON_LOCATION("a\\b", 7, "c"), NullPointerException, istr("dd", 1)); },
+              "NullPointerException: d", "c(b:7) throw NullPointerException: d"},
+             {+[] { YON_THROW(NullHandleException); }, "yon::NullHandleException",
+              "throw NullHandleException: NullHandleException"},
+             {+[] { YON_THROW(DuplicatedUnitException, ""); }, "DuplicatedUnitException: ", "throw Dup"},
+         }) {
+        log.notes_.clear();
+        try {
+            row.raise();
+            ADD_FAILURE() << row.message;
+        } catch (ExceptionBase const & e) {
+            EXPECT_STREQ(e.what(), row.message);
+            ASSERT_EQ(log.notes_.size(), 1u) << "no report of a report";
+            EXPECT_NE(log.notes_[0].find(row.note), std::string::npos) << log.notes_[0];
+            EXPECT_TRUE(log.notes_[0].starts_with(printed(Current(e.file(), e.line(), e.func())))) << log.notes_[0];
+        }
+    }
+    EXPECT_FALSE(log.nestedAnswers_);
+}
+
+TEST(Diagnostics, ReachesTheSinkAndIsSilentWithoutOne) {
+    diagnostics::Location const here = YON_HERE;
+    auto tellAll = [&] {
+        diagnostics::record(diagnostics::Level::info, "tag", here, "text");
+        diagnostics::enter(here);
+        diagnostics::leave(here);
+        CallStack calls;
+        diagnostics::callStack(calls);
+        return calls.container().size() + diagnostics::categoryOn("any");
+    };
+    EXPECT_EQ(tellAll(), 0u);
+    Recorder log;
+    log.calls_ = twoCalls();
+    EXPECT_EQ(tellAll(), 3u);
+    EXPECT_EQ(log.notes_.size(), 3u);
+}
+
+TEST(System, ClosesOnce) {
+    EXPECT_FALSE(System::closing());
+    System::close();
+    EXPECT_TRUE(System::closing());
+}
+
+TEST(NullHandleDeathTest, AbortsOnRequest) {
+    EXPECT_DEATH(
+        {
+            nullHandleAbort = true;
+            NullHandleException("f", 1, "g");
+        },
+        "");
+}
+
+// --- names of functions ---
+
+struct Names {
+    Names() : made_(YON_FUNC) {}
+    ~Names() { EXPECT_STREQ(YON_FUNC, "yon::Names::~Names"); }
+    char const * operator()(int) const { return YON_FUNC; }
+    char const * operator<<(std::map<int, int> const &) { return YON_FUNC; }
+    char const * operator->() const noexcept { return YON_FUNC; }
+    template <class T>
+    static char const * make(T) {
+        return YON_FUNC;
+    }
+    char const * made_;
+};
+unsigned int const * (*functionReturner(int))(char const **) {
+    static constexpr auto store = +[](char const ** out) {
+        *out = YON_FUNC;
+        return static_cast<unsigned int const *>(nullptr);
+    };
+    EXPECT_STREQ(YON_FUNC, "yon::functionReturner");
+    return store;
+}
+
+TEST(FunctionName, IsQualifiedAndBare) {
+    Names n;
+    EXPECT_STREQ(n.made_, "yon::Names::Names");
+    EXPECT_STREQ(n(1), "yon::Names::operator()");
+    EXPECT_STREQ(n << (std::map<int, int>()), "yon::Names::operator<<");
+    EXPECT_STREQ(n.operator->(), "yon::Names::operator->");
+    EXPECT_STREQ(Names::make(std::string()), "yon::Names::make");
+    char const * name = nullptr;
+    functionReturner(1)(&name);
+    EXPECT_STREQ(name, "yon::functionReturner::<lambda>");
+}
+
+TEST(FunctionName, IsFoundInWhatEachCompilerSays) {
+    for (auto const & [said, expected] : std::initializer_list<std::pair<std::string_view, char const *>>{
+             {"int main(int, char**)", "main"},
+             {"unsigned int const *yon::up()", "yon::up"},
+             {"std::map<int, std::vector<int> >::iterator yon::it()", "yon::it"},
+             {"int (& yon::ar(int))[3]", "yon::ar"},
+             {"decltype ((t + u)) yon::sum(T, U) [with T = int; U = int]", "yon::sum"},
+             {"<dependent type> yon::sum(T, U) [T = int, U = int]", "yon::sum"},
+             {"decltype(auto) yon::da()", "yon::da"},
+             {"std::enable_if_t<(N > 1), int> yon::Box<(N > 1), int>::f() [with int N = 2]",
+              "yon::Box<(N > 1), int>::f"},
+             {"void yon::(anonymous namespace)::S::g(int)", "yon::S::g"},
+             {"void main(int, char**)::<unnamed struct>::g()", "main::g"},
+             {"std::string yon::f[abi:cxx11](int)", "yon::f"},
+             {"bool yon::operator<(const X&, X&)", "yon::operator<"},
+             {"yon::X* yon::X::operator->() const &", "yon::X::operator->"},
+             {"yon::X::operator std::function<void(int)>() const", "yon::X::operator std::function<void(int)>"},
+             {"long double yon::operator\"\"_ld(long double)", "yon::operator\"\"_ld"},
+             {"void* yon::X::operator new [](size_t)", "yon::X::operator new []"},
+             {"yon::X::lam() const::<lambda(int)> mutable::<lambda(auto:11)> [with auto:11 = int]",
+              "yon::X::lam::<lambda>::<lambda>"},
+             {"auto yon::X::lam()::(anonymous class)::operator()(int)::(anonymous class)::operator()(auto) const",
+              "yon::X::lam::<lambda>::<lambda>"},
+             {"yon::f<int>(int)::<lambda(int (*)(int))>", "yon::f<int>::<lambda>"},
+             {"", ""},
+             {"((<", "<"},
+         }) {
+        std::string name(said.size(), '\0');
+        name.resize(detail::FunctionNameScanner(said, name.data()).scan());
+        EXPECT_EQ(name, expected) << said;
+    }
+}
+
+}  // namespace
+}  // namespace yon

@@ -1,0 +1,209 @@
+#include "yon/base/time.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <ctime>
+#include <random>
+#include <sstream>
+#include <unordered_set>
+
+#include "yon/base/stopwatch.h"
+#include "yon/base/version.h"
+
+namespace yon {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A zone without daylight saving, whose name both systems understand: five and a half hours before UTC.
+struct ZoneTest : testing::Test {
+    static constexpr longlong offset = (5 * 60 + 30) * 60;
+    static void SetUpTestSuite() {
+        static char zone[] = "TZ=XYZ-5:30";
+        ::putenv(zone);
+        ::tzset();
+    }
+};
+
+struct DateTimeTest : ZoneTest {};
+
+TEST_F(DateTimeTest, ShowsLocalTimeToTheMillisecond) {
+    struct {
+        longlong microseconds;
+        char const * text;
+    } const rows[] = {
+        {0, "1970-01-01 05:30:00.000"},
+        {999, "1970-01-01 05:30:00.000"},
+        {1000, "1970-01-01 05:30:00.001"},
+        {-1, "1970-01-01 05:29:59.999"},
+        {-1000000, "1970-01-01 05:29:59.000"},
+        {-offset * 1000000 - 1, "1969-12-31 23:59:59.999"},
+        {1253073031250000, "2009-09-16 09:20:31.250"},
+        {2147483648000000, "2038-01-19 08:44:08.000"},
+        {4107522599999000, "2100-02-28 23:59:59.999"},
+        {32503680000000000, "3000-01-01 05:30:00.000"},
+        {253402300800000000, "10000-01-01 05:30:00.000"},
+        {-62135596800000000, "0001-01-01 05:30:00.000"},
+        {-62167219200000000, "0000-01-01 05:30:00.000"},
+        {-62198755200000000, "-001-01-01 05:30:00.000"},
+        {Time::max().toMicroSeconds(), "294247-01-10 09:30:54.775"},
+        {Time::min().toMicroSeconds(), "-290308-12-22 01:29:05.224"},
+    };
+    for (auto const & row : rows) {
+        EXPECT_EQ(Time(row.microseconds).toDateTime(), row.text);
+        std::ostringstream os;
+        os << Time(row.microseconds);
+        EXPECT_EQ(os.str(), row.text);
+    }
+}
+
+TEST_F(DateTimeTest, AgreesWithTheCalendar) {
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 20000; ++i) {
+        // Years 1700 to 4000, so that every way of computing them has its share.
+        longlong const us = static_cast<longlong>(random() % 72000000000000000) - 8500000000000000;
+        auto const local = std::chrono::sys_time<std::chrono::microseconds>(std::chrono::microseconds(us) +
+                                                                            std::chrono::seconds(offset));
+        auto const day = std::chrono::floor<std::chrono::days>(local);
+        std::chrono::year_month_day const date(day);
+        std::chrono::hh_mm_ss const clock(std::chrono::floor<std::chrono::milliseconds>(local - day));
+        char text[64];
+        std::snprintf(text, sizeof text, "%04d-%02u-%02u %02d:%02d:%02d.%03d", int{date.year()},
+                      unsigned{date.month()}, unsigned{date.day()}, static_cast<int>(clock.hours().count()),
+                      static_cast<int>(clock.minutes().count()), static_cast<int>(clock.seconds().count()),
+                      static_cast<int>(clock.subseconds().count()));
+        ASSERT_EQ(Time(us).toDateTime(), text) << us;
+    }
+}
+
+TEST(TimeTest, ShowsIntervals) {
+    struct {
+        Time time;
+        char const * text;
+    } const rows[] = {
+        {Time(), "0:00:00.000"},
+        {Time(1999), "0:00:00.001"},
+        {Time(-1999), "-0:00:00.001"},
+        {Time::milliSeconds(-1500), "-0:00:01.500"},
+        {Time::seconds(59), "0:00:59.000"},
+        {Time::seconds(3599), "0:59:59.000"},
+        {25h + 1min + 2s + 3ms, "25:01:02.003"},
+        {Time::max(), "2562047788:00:54.775"},
+        {Time::min(), "-2562047788:00:54.775"},
+    };
+    for (auto const & row : rows) EXPECT_EQ(row.time.toDuration(), row.text);
+}
+
+TEST(TimeTest, RoundsDownAndSaturates) {
+    longlong const limits[] = {Time::min().toMicroSeconds(), Time::max().toMicroSeconds()};
+    std::vector<longlong> numbers = {0, 1, -1, 999, -999, 1000, -1000, 1001, -1001, 999999, -1000001};
+    for (longlong const limit : limits) {
+        for (longlong const part : {1, 2, 3, 1000, 1000000, 1000001}) numbers.push_back(limit / part);
+    }
+    // Exact here: a `long double` holds any sum of two numbers of 63 bits that is within the limits.
+    auto const clamp = [&](long double exact) {
+        if (exact >= static_cast<long double>(limits[1])) return limits[1];
+        if (exact <= static_cast<long double>(limits[0])) return limits[0];
+        return static_cast<longlong>(exact);
+    };
+    for (longlong const a : numbers) {
+        long double const x = static_cast<long double>(a);
+        EXPECT_EQ(Time::milliSeconds(a).toMicroSeconds(), clamp(x * 1000));
+        EXPECT_EQ(Time::seconds(a).toMicroSeconds(), clamp(x * 1000000));
+        EXPECT_EQ(Time(a).toMilliSeconds(), static_cast<longlong>(std::floor(x / 1000)));
+        EXPECT_EQ(Time(a).toSeconds(), static_cast<longlong>(std::floor(x / 1000000)));
+        for (longlong const b : numbers) {
+            EXPECT_EQ((Time(a) + Time(b)).toMicroSeconds(), clamp(x + static_cast<long double>(b)));
+            EXPECT_EQ((Time(a) - Time(b)).toMicroSeconds(), clamp(x - static_cast<long double>(b)));
+            EXPECT_EQ(Time(a) <=> Time(b), a <=> b);
+        }
+    }
+}
+
+TEST(TimeTest, ConvertsFromAndToTheStandardClocks) {
+    using std::chrono::system_clock;
+    static_assert(Time(1ms) == Time::milliSeconds(1) && Time(1500ns) == Time(1) && Time(-1ns) == Time(-1));
+    static_assert(Time(std::chrono::duration<double>(0.25)) == Time::milliSeconds(250));
+    static_assert(Time(std::chrono::hours(1LL << 40)) == Time::max() && Time(-1.0h * 1e300) == Time::min());
+    static_assert(Time(std::chrono::microseconds::max() - 5us).toMicroSeconds() == (1ULL << 63) - 6);
+    static_assert(Time::seconds(2) + 5ms > 2s && 1min == Time::seconds(60));
+    std::chrono::microseconds const us = Time(-77);
+    EXPECT_EQ(us.count(), -77);
+    EXPECT_EQ(Time(system_clock::time_point(Time(-77))), Time(-77));
+    EXPECT_EQ(system_clock::time_point(Time::max()), system_clock::time_point::max());
+    EXPECT_EQ(system_clock::time_point(Time::min()), system_clock::time_point::min());
+    Time const before = Time(system_clock::now());
+    Time const now = Time::now();
+    // The two may tick at different steps.
+    EXPECT_LT(before - now, Time(100ms));
+    EXPECT_LT(now - before, Time(10s));
+    EXPECT_EQ((std::unordered_set<Time>{Time(1), Time(2), Time(1)}).size(), 2u);
+}
+
+Time waitForTick(TimeCounter const & counter) {
+    Time const before = counter.elapsed();
+    Time now = before;
+    while (now == before) now = counter.elapsed();
+    return now;
+}
+
+TEST(StopwatchTest, AddsUpItsLaps) {
+    Stopwatch watch;
+    TimeCounter const outside;
+    EXPECT_EQ(watch.stop(), Time());
+    EXPECT_TRUE(watch.laps().empty() && !watch.running() && watch.total() == Time());
+
+    TimeCounter inside;
+    EXPECT_EQ(watch.lap(), Time());
+    waitForTick(inside);
+    watch.start();  // runs already
+    inside.start();
+    Time const first = watch.lap();
+    Time const least = waitForTick(inside);
+    EXPECT_TRUE(watch.running());
+    EXPECT_GE(watch.total(), first + least);
+    Time const second = watch.stop();
+    EXPECT_GE(second, least);
+    waitForTick(inside);
+    EXPECT_EQ(watch.laps(), (std::vector<Time>{first, second}));
+    EXPECT_EQ(watch.total(), first + second);
+    EXPECT_LE(watch.total(), outside.elapsed());
+
+    watch.start();
+    EXPECT_EQ(watch.laps().size(), 2u);
+    watch.reset();
+    EXPECT_TRUE(watch.laps().empty() && !watch.running() && watch.total() == Time());
+}
+
+TEST(VersionTest, NamesVersionTimesAndOptions) {
+    std::ostringstream os;
+    os << show_version{};
+    // What changes with the day of the build or of the test gives way to zeros.
+    std::string text = os.str();
+    for (std::string const before : {", built ", "Compile time = "}) {
+        auto const at = text.find(before) + before.size();
+        ASSERT_LT(at, text.size());
+        EXPECT_TRUE(std::isupper(text[at]) && std::islower(text[at + 1]) && std::islower(text[at + 2])) << text;
+        text.replace(at, 6, "Mmm 00");
+    }
+    for (char & c : text) {
+        if (std::isdigit(static_cast<unsigned char>(c))) c = '0';
+    }
+    auto const body = text.find("\n\n");
+    ASSERT_NE(body, text.npos);
+    EXPECT_EQ(text.substr(0, text.find('\n')), "zuvyon 0.0.0-00, built Mmm 00 0000");
+    EXPECT_EQ(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(body), '\n'), 2);
+    EXPECT_EQ(text.substr(body),
+              "\n\nCurrent time = 0000-00-00 00:00:00.000\nCompile time = Mmm 00 0000 00:00:00\nCompile options:\n"
+              "\tWIN00\n\tNDEBUG\n\t_YON_UNIT_TEST OFF\n\t_YON_DEBUG OFF\n\t_YON_TRACE OFF\n\t_YON_TRACE_LOG OFF\n"
+              "\t_YON_MEMLEAKCHECK OFF\n\t_YON_ASSERT OFF\n\t_YON_ASSERT_ABORT OFF\n\t_YON_BREAK_ON_EXCEPTION OFF\n"
+              "\t_YON_THROW_REALLY = 0\n");
+}
+
+}  // namespace
+}  // namespace yon

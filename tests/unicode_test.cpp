@@ -1,0 +1,310 @@
+#include "yon/string/unicode.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <functional>
+#include <memory>
+#include <random>
+#include <sstream>
+#include <vector>
+
+#include "yon/base/auto_ptr.h"
+
+namespace yon {
+namespace {
+
+using Result = ConversionResult;
+
+std::string encode(char32_t c) {
+    auto const tail = [c](int shift) { return static_cast<char>(0x80 | (c >> shift & 0x3F)); };
+    if (c < 0x80) return {static_cast<char>(c)};
+    if (c < 0x800) return {static_cast<char>(0xC0 | c >> 6), tail(0)};
+    if (c < 0x10000) return {static_cast<char>(0xE0 | c >> 12), tail(6), tail(0)};
+    return {static_cast<char>(0xF0 | c >> 18), tail(12), tail(6), tail(0)};
+}
+
+wstring encode16(char32_t c) {
+    if (c < 0x10000) return {static_cast<wchar>(c)};
+    return {static_cast<wchar>(0xD800 + ((c - 0x10000) >> 10)), static_cast<wchar>(0xDC00 + ((c - 0x10000) & 0x3FF))};
+}
+
+/// Calls `visit(c)` with every character there is.
+template <class Visit>
+void forEachCharacter(Visit && visit) {
+    for (char32_t c = 0; c < 0x110000; c = c == 0xD7FF ? 0xE000 : c + 1) visit(c);
+}
+
+std::uint32_t number(char const * p, std::size_t n) {
+    std::uint32_t v = 0;
+    for (std::size_t i = 0; i < n; ++i) v = v << 8 | static_cast<unsigned char>(p[i]);
+    return v;
+}
+
+/// What is valid follows from a list of all characters, without a look at how UTF-8 is made.
+struct Reference {
+    Reference() : beginnings(1 << 24) {
+        forEachCharacter([this](char32_t c) {
+            std::string const s = encode(c);
+            characters.emplace_back(number(s.data(), s.size()), c);
+            for (std::size_t n = 1; n < s.size(); ++n) beginnings[number(s.data(), n)] = true;
+        });
+        std::sort(characters.begin(), characters.end());
+    }
+    Result convert(char const * p, std::size_t n, wstring & out) const {
+        while (n != 0) {
+            std::size_t size = 0;
+            for (std::size_t k = 1; k <= std::min<std::size_t>(n, 4) && size == 0; ++k) {
+                std::pair<std::uint32_t, char32_t> const key(number(p, k), 0);
+                auto const known = std::lower_bound(characters.begin(), characters.end(), key);
+                if (known != characters.end() && known->first == key.first && encode(known->second).size() == k) {
+                    out += encode16(known->second);
+                    size = k;
+                }
+            }
+            if (size == 0) return n < 4 && beginnings[number(p, n)] ? Result::sourceExhausted : Result::sourceIllegal;
+            p += size;
+            n -= size;
+        }
+        return Result::ok;
+    }
+    std::vector<std::pair<std::uint32_t, char32_t>> characters;
+    std::vector<bool> beginnings;
+};
+
+TEST(Utf8Test, TakesEverySequenceAsTheListOfCharactersSays) {
+    static Reference const reference;
+    auto const check = [](std::string const & s) {
+        wstring expected;
+        Result const result = reference.convert(s.data(), s.size(), expected);
+        wchar room[8];
+        char const * p = s.data();
+        wchar * end = room;
+        ASSERT_EQ(utf8ToUtf16(p, s.data() + s.size(), end, std::end(room)), result) << testing::PrintToString(s);
+        ASSERT_EQ(wstring(room, end), expected) << testing::PrintToString(s);
+        if (result == Result::ok) {
+            ASSERT_EQ(p, s.data() + s.size());
+            ASSERT_EQ(wstringToUtf8(expected), s);
+        }
+    };
+    std::string s;
+    for (int a = 0; a < 256; ++a) {
+        ASSERT_NO_FATAL_FAILURE(check(s.assign(1, static_cast<char>(a))));
+        for (int b = 0; b < 256; ++b) {
+            char const two[] = {static_cast<char>(a), static_cast<char>(b)};
+            ASSERT_NO_FATAL_FAILURE(check(s.assign(two, 2)));
+            // Bytes of ASCII change nothing in what follows them.
+            if (a < 0xC0 || b < 0x70 || b > 0xC8) continue;
+            for (int c = 0x7E; c < 0xC2; ++c) {
+                ASSERT_NO_FATAL_FAILURE(check(s.assign(two, 2) += static_cast<char>(c)));
+            }
+            if (a < 0xE0) continue;
+            for (char const c : {'\x7F', '\x80', '\xBF', '\xC0'}) {
+                for (char const d : {'\x7F', '\x80', '\xBF', '\xC0', '\xFF'}) {
+                    ASSERT_NO_FATAL_FAILURE(check((s.assign(two, 2) += c) += d));
+                }
+            }
+        }
+    }
+}
+
+TEST(Utf8Test, RoundTripsEveryCharacter) {
+    wstring all16;
+    std::string all8;
+    forEachCharacter([&](char32_t c) {
+        all16 += encode16(c);
+        all8 += encode(c);
+        if (c % 7 == 0) {
+            all16 += wstring(c % 13, 'x');
+            all8 += std::string(c % 13, 'x');
+        }
+    });
+    EXPECT_TRUE(utf8ToWstring(all8) == all16);
+    EXPECT_TRUE(wstringToUtf8(all16) == all8);
+    EXPECT_EQ(utf8ToWstring(nullptr), wstring());
+    EXPECT_EQ(wstringToUtf8(nullptr), "");
+}
+
+TEST(Utf16Test, AcceptsSurrogatesInPairsOnly) {
+    wchar const units[] = {0x41, 0x7FF, 0x800, 0xD7FF, 0xD800, 0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0xFFFF};
+    auto const high = [](wchar u) { return u >= 0xD800 && u <= 0xDBFF; };
+    auto const low = [](wchar u) { return u >= 0xDC00 && u <= 0xDFFF; };
+    for (wchar const a : units) {
+        for (wchar const b : units) {
+            for (wchar const c : units) {
+                wstring const s{a, b, c};
+                std::string expected;
+                Result result = Result::ok;
+                for (std::size_t i = 0; i < s.size() && result == Result::ok; ++i) {
+                    if (high(s[i]) && i + 1 < s.size() && low(s[i + 1])) {
+                        expected += encode(0x10000u + ((s[i] - 0xD800u) << 10) + (s[i + 1] - 0xDC00u));
+                        ++i;
+                    } else if (high(s[i]) && i + 1 == s.size()) {
+                        result = Result::sourceExhausted;
+                    } else if (high(s[i]) || low(s[i])) {
+                        result = Result::sourceIllegal;
+                    } else {
+                        expected += encode(s[i]);
+                    }
+                }
+                char room[12];
+                wchar const * p = s.data();
+                char * end = room;
+                ASSERT_EQ(utf16ToUtf8(p, s.data() + s.size(), end, std::end(room)), result);
+                ASSERT_EQ(std::string(room, end), expected);
+            }
+        }
+    }
+}
+
+/// Converts with pieces of room of random sizes, each a block of its own so that a sanitizer sees a write behind it.
+template <class From, class To>
+std::basic_string<To> convertInPieces(std::basic_string<From> const & s, std::mt19937 & random,
+                                      Result (*convert)(From const *&, From const *, To *&, To *)) {
+    std::basic_string<To> out;
+    std::unique_ptr<From[]> const source(new From[s.size()]);
+    std::copy(s.begin(), s.end(), source.get());
+    From const * p = source.get();
+    for (Result result = Result::targetExhausted; result != Result::ok;) {
+        std::size_t const room = random() % 40;
+        std::unique_ptr<To[]> const target(new To[room]);
+        To * end = target.get();
+        result = convert(p, source.get() + s.size(), end, target.get() + room);
+        EXPECT_TRUE(result == Result::ok || result == Result::targetExhausted) << result;
+        // The longest character takes four units, so three may stay unused.
+        if (result == Result::targetExhausted) {
+            EXPECT_GE(end + 3, target.get() + room);
+        }
+        out.append(target.get(), end);
+    }
+    EXPECT_EQ(p, source.get() + s.size());
+    return out;
+}
+
+TEST(Utf8Test, GoesOnWithNewRoom) {
+    std::mt19937 random(1);
+    char32_t const limits[] = {0x80, 0x800, 0x10000, 0x110000};
+    for (int i = 0; i < 3000; ++i) {
+        std::string s8;
+        wstring s16;
+        for (auto n = random() % 100; n > 0; --n) {
+            char32_t const c = static_cast<char32_t>(random() % limits[random() % 8 < 5 ? 0 : random() % 4]);
+            if (c >= 0xD800 && c < 0xE000) continue;
+            s8 += encode(c);
+            s16 += encode16(c);
+        }
+        ASSERT_EQ(convertInPieces(s8, random, &utf8ToUtf16), s16);
+        ASSERT_EQ(convertInPieces(s16, random, &utf16ToUtf8), s8);
+        ASSERT_EQ(utf8ToWstring(s8), s16);
+        ASSERT_EQ(wstringToUtf8(s16), s8);
+    }
+}
+
+TEST(UnicodeTest, RaisesTheResult) {
+    wstring const lone{'a', 0xDC00};
+    wstring const cut{'a', 0xD83D};
+    Bytes kept("kept");
+    struct {
+        std::function<void()> call;
+        Result result;
+        char const * message;
+    } const rows[] = {
+        {[] { utf8ToWstring("abc\xC0\x80"); }, Result::sourceIllegal, "sourceIllegal"},
+        {[] { utf8ToWstring("abc\xE2\x82"); }, Result::sourceExhausted, "sourceExhausted"},
+        {[] { utf8ToAnsi("12345678\xFF"); }, Result::sourceIllegal, "sourceIllegal"},
+        {[] { String("kept").fromUtf8("\xF0\x9F\x98"); }, Result::sourceExhausted, "sourceExhausted"},
+        {[&] { wstringToUtf8(lone); }, Result::sourceIllegal, "sourceIllegal"},
+        {[&] { wstringToUtf8(cut, kept); }, Result::sourceExhausted, "sourceExhausted"},
+        {[&] { wstringToAnsi(lone); }, Result::sourceIllegal, "sourceIllegal"},
+        {[&] { String{cut}; }, Result::sourceExhausted, "sourceExhausted"},
+        {[&] { std::ostringstream() << iwstr(lone); }, Result::sourceIllegal, "sourceIllegal"},
+    };
+    for (auto const & row : rows) {
+        try {
+            row.call();
+            FAIL() << row.message;
+        } catch (UTFConversionException const & e) {
+            EXPECT_EQ(e.result(), row.result);
+            EXPECT_STREQ(e.what(), row.message);
+            EXPECT_EQ(e.yon_name(), "yon::UTFConversionException");
+            std::unique_ptr<Exception> const clone(e.yon_clone());
+            EXPECT_EQ(dynamic_cast<UTFConversionException &>(*clone).result(), row.result);
+            EXPECT_THROW(clone->yon_throw(), UTFConversionException);
+        }
+    }
+    EXPECT_EQ(kept, "kept");
+}
+
+/// Both directions agree, or both refuse.
+void checkCodePage() {
+    std::vector<std::string> texts = {"", "plain ASCII text", "\x7F"};
+    for (int b = 0x80; b < 0x100; ++b) texts.push_back("x" + std::string(1, static_cast<char>(b)));
+    forEachCharacter([&](char32_t c) {
+        if (c < 0x180 || c % 251 == 0) texts.push_back(encode(c));
+    });
+    int converted = 0;
+    for (auto const & text : texts) {
+        try {
+            wstring const wide = ansiToWstring(text);
+            ASSERT_EQ(wstringToAnsi(wide), text);
+            String const utf8 = ansiToUtf8(text);
+            ASSERT_EQ(utf8, wstringToUtf8(wide));
+            ASSERT_EQ(utf8ToAnsi(utf8), text);
+            Bytes bytes;
+            String(text).toUtf8(bytes);
+            ASSERT_EQ(bytes, utf8);
+            String s("replaced");
+            ASSERT_EQ(s.fromUtf8(utf8), text);
+            ASSERT_EQ(static_cast<wstring>(s), wide);
+            ASSERT_EQ(String(wide), s);
+            ASSERT_EQ((s += wide), text + text);
+            ASSERT_EQ((s = wide), text);
+            ASSERT_EQ(to_str(wide.c_str()).get(), istr(text.c_str()));
+            ASSERT_EQ(wstring(to_wstr(text.c_str()).get()), wstring(wide.c_str()));
+            std::ostringstream os;
+            iwstr(wide).dump(os << iwstr(wide) << '|');
+            ASSERT_EQ(os.str(), text + "|" + std::to_string(wide.size()) + ", " + text);
+            ++converted;
+        } catch (UTFConversionException const &) {
+            ASSERT_THROW(ansiToWstring(text), UTFConversionException) << testing::PrintToString(text);
+            ASSERT_THROW(ansiToUtf8(text), UTFConversionException) << testing::PrintToString(text);
+        }
+    }
+    EXPECT_GE(converted, 100);
+    // No single-byte code page has them all.
+    wstring const many{0xE9, 0x20AC, 0x416, 0x5D0, 0x4E2D, 0xD83D, 0xDE00};
+    try {
+        ASSERT_EQ(ansiToWstring(wstringToAnsi(many)), many);
+    } catch (UTFConversionException const & e) {
+        EXPECT_EQ(e.result(), Result::sourceIllegal);
+    }
+}
+
+TEST(CodePageTest, RoundTrips) { checkCodePage(); }
+
+TEST(CodePageTest, FollowsTheLocale) {
+    // Those that the system has, and in the end none.
+    for (char const * name : {"de_DE.ISO-8859-1", "en_US.ISO-8859-15", "ja_JP.EUC-JP", "C.UTF-8", "C"}) {
+        if (std::setlocale(LC_CTYPE, name) == nullptr) continue;
+        SCOPED_TRACE(name);
+        checkCodePage();
+    }
+}
+
+TEST(CodePageTest, NullIsEmpty) {
+    EXPECT_EQ(to_str(static_cast<char const *>(nullptr)).get(), nullptr);
+    EXPECT_EQ(to_str(static_cast<wchar const *>(nullptr)).get(), nullptr);
+    EXPECT_EQ(to_wstr(static_cast<char const *>(nullptr)).get(), nullptr);
+    EXPECT_EQ(to_wstr(static_cast<wchar const *>(nullptr)).get(), nullptr);
+    EXPECT_STREQ(to_str("ab"), "ab");
+    EXPECT_EQ(iwstr(to_wstr(wstring{'a', 'b'}.c_str())), (wstring{'a', 'b'}));
+    String s("kept");
+    EXPECT_EQ(s += static_cast<wchar const *>(nullptr), "kept");
+    EXPECT_EQ(s = static_cast<wchar const *>(nullptr), "");
+    std::ostringstream os;
+    os << iwstr();
+    EXPECT_EQ(os.str(), "");
+}
+
+}  // namespace
+}  // namespace yon
