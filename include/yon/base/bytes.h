@@ -81,7 +81,7 @@ public:
 private:
     void alloc(ulong n);
     void free() noexcept;
-    Bytes & appendGrowing(istr const & s);
+    Bytes & appendGrowing(istr s);
     /// Moves to a larger block of at least `n` bytes: `kept` bytes of the content, and behind them `s`.
     void grow(ulong n, ulong kept, istr s);
 
