@@ -39,8 +39,6 @@ CalendarTime localTime(longlong seconds) noexcept;
 
 /// Whether narrow text is UTF-8. Cheap.
 bool codePageIsUtf8() noexcept;
-/// Whether a character may take several bytes. Cheap.
-bool codePageIsMultiByte() noexcept;
 
 /// Convert all of `s` and append it to `out`, where after a failure a part of it may stand. A character that the
 /// other side cannot express is illegal. REQUIRES: a code page that is not UTF-8.

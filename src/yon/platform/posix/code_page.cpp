@@ -3,7 +3,6 @@
 
 #include <bit>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 
 #include "yon/platform/platform.h"
@@ -66,8 +65,6 @@ bool codePageIsUtf8() noexcept {
     }
     return false;
 }
-
-bool codePageIsMultiByte() noexcept { return codePageIsUtf8() || MB_CUR_MAX > 1; }
 
 ConversionResult codePageToWide(istr s, wstring & out) {
     return convert(Converter(utf16, codePage()), s.data(), s.size(), out);

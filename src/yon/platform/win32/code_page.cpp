@@ -24,14 +24,6 @@ bool codePageIsUtf8() noexcept {
     return utf8;
 }
 
-bool codePageIsMultiByte() noexcept {
-    static bool const multiByte = [] {
-        CPINFO info;
-        return GetCPInfo(CP_ACP, &info) != FALSE && info.MaxCharSize > 1;
-    }();
-    return multiByte;
-}
-
 ConversionResult codePageToWide(istr s, wstring & out) {
     if (s.empty()) return ConversionResult::ok;
     int const size = wideSize(s);
