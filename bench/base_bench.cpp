@@ -65,20 +65,19 @@ void addViews(std::string const & contestant) {
     }
 }
 
-/// A buffer that grows from nothing by 100 pieces.
-template <std::size_t size>
-void addAppend() {
-    static std::string const piece(size, 'x');
-    std::string const job = "append 100 times/" + std::to_string(size) + "/";
-    add(job + "zuvyon", [](std::size_t) {
+/// A buffer that grows from nothing.
+void addAppend(std::size_t size, int times) {
+    std::string const piece(size, 'x');
+    std::string const job = "append/" + std::to_string(times) + " times " + std::to_string(size) + " bytes/";
+    add(job + "zuvyon", [=](std::size_t) {
         yon::Bytes b;
-        for (int i = 0; i < 100; ++i) b.append(piece);
+        for (int i = 0; i < times; ++i) b.append(piece);
         benchmark::DoNotOptimize(b.data());
     });
-    add(job + "std::vector", [](std::size_t) {
+    add(job + "std::vector", [=](std::size_t) {
         std::vector<unsigned char> v;
         auto const bytes = reinterpret_cast<unsigned char const *>(piece.data());
-        for (int i = 0; i < 100; ++i) v.insert(v.end(), bytes, bytes + size);
+        for (int i = 0; i < times; ++i) v.insert(v.end(), bytes, bytes + piece.size());
         benchmark::DoNotOptimize(v.data());
     });
 }
@@ -132,7 +131,8 @@ void addScalar(std::string const & kind, std::vector<T> values) {
     });
     add(kind + " fromString/zuvyon", [=](std::size_t i) {
         Scalar value;
-        benchmark::DoNotOptimize(value.fromString(texts[i]));
+        value.fromString(texts[i]);
+        benchmark::DoNotOptimize(value);
     });
     add(kind + " fromString/std::from_chars", [=](std::size_t i) {
         T value{};
@@ -160,9 +160,9 @@ std::vector<double> reals(double scale) {
 bool const registered = [] {
     addViews<istr>("zuvyon");
     addViews<std::string_view>("std::string_view");
-    addAppend<1>();
-    addAppend<16>();
-    addAppend<200>();
+    for (std::size_t size : {1, 16, 200}) {
+        for (int times : {10, 1000}) addAppend(size, times);
+    }
     addNumbers("int", integers<int>());
     addNumbers("ulonglong", integers<yon::ulonglong>());
     addNumbers("whole double", reals(1));

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <array>
 #include <sstream>
 
 #include "yon/log/dumper.h"
@@ -25,16 +24,13 @@ std::string dumped(T const & value) {
 }
 
 TEST(Filename, SplitsAtTheLastBackslash) {
-    for (auto const & [full, dir, file] :
-         std::initializer_list<std::array<char const *, 3>>{{"c:\\dir\\sub\\a.txt", "c:\\dir\\sub", "a.txt"},
-                                                            {"a.txt", "", "a.txt"},
-                                                            {"a/b.txt", "", "a/b.txt"},
-                                                            {"c:\\", "c:", ""},
-                                                            {"\\a", "", "a"},
-                                                            {"", "", ""}}) {
+    auto parts = [](istr full) {
         Filename const f(full);
-        EXPECT_TRUE(f.full() == full && f.dir() == dir && f.file() == file) << full;
-    }
+        return f.dir() + '|' + f.file() + (f.full() == full ? "" : " and not what was set");
+    };
+    EXPECT_EQ(parts("c:\\dir\\sub\\a.txt"), "c:\\dir\\sub|a.txt");
+    EXPECT_TRUE(parts("a.txt") == "|a.txt" && parts("a/b.txt") == "|a/b.txt" && parts("") == "|");
+    EXPECT_TRUE(parts("c:\\") == "c:|" && parts("\\a") == "|a");
     EXPECT_EQ(Filename("c:\\d", "f").full(), "c:\\d\\f");
     Filename f("", "f");
     EXPECT_EQ(f.full(), "f");
@@ -47,17 +43,13 @@ TEST(Filename, SplitsAtTheLastBackslash) {
 }
 
 TEST(Funcname, SplitsAtTheLastScope) {
-    for (auto const & [full, ns, func] :
-         std::initializer_list<std::array<char const *, 3>>{{"yon::pml::File::read", "yon::pml::File", "read"},
-                                                            {"main", "", "main"},
-                                                            {"::f", "", "f"},
-                                                            {"a:b", "", "a:b"},
-                                                            {"a:::b", "a:", "b"},
-                                                            {"a::", "a", ""},
-                                                            {"", "", ""}}) {
+    auto parts = [](istr full) {
         Funcname const f(full);
-        EXPECT_TRUE(f.full() == full && f.ns() == ns && f.func() == func) << full;
-    }
+        return std::string(f.ns()) + '|' + std::string(f.func()) + (f.full() == full ? "" : " and not what was set");
+    };
+    EXPECT_EQ(parts("yon::pml::File::read"), "yon::pml::File|read");
+    EXPECT_TRUE(parts("main") == "|main" && parts("::f") == "|f" && parts("a:b") == "|a:b" && parts("") == "|");
+    EXPECT_TRUE(parts("a:::b") == "a:|b" && parts("a::") == "a|");
     Funcname f("", "bar");
     EXPECT_EQ(f.full(), "::bar");
     EXPECT_EQ(f.ns("foo").full(), "foo::bar");
@@ -67,25 +59,21 @@ TEST(Funcname, SplitsAtTheLastScope) {
 }
 
 TEST(MultiString, SplitsAndJoins) {
-    struct Row {
-        istr full;
-        char const * sep;
-        Items items;
+    auto check = [](istr full, istr sep, Items const & items) {
+        MultiString const m(full, sep);
+        EXPECT_EQ(m.list(), items) << full;
+        EXPECT_TRUE(sep.empty() || MultiString(items, sep).full() == full) << full;
     };
-    for (Row const & row : std::initializer_list<Row>{{"a,,b,", ",", {"a", "", "b", ""}},
-                                                      {",", ",", {"", ""}},
-                                                      {"ab", ",", {"ab"}},
-                                                      {"", ",", {}},
-                                                      {"a::b:c", "::", {"a", "b:c"}},
-                                                      {"aaa", "aa", {"", "a"}},
-                                                      {"ab", "", {"a", "b", istr("\0", 1)}},
-                                                      {"", "", {}},
-                                                      {"a", "abc", {"a"}},
-                                                      {istr("a\0b", 3), ",", {istr("a\0b", 3)}}}) {
-        MultiString const m(row.full, row.sep);
-        EXPECT_EQ(m.list(), row.items) << row.full;
-        EXPECT_TRUE(*row.sep == '\0' || MultiString(m.list(), row.sep).full() == row.full) << row.full;
-    }
+    check("a,,b,", ",", {"a", "", "b", ""});
+    check(",", ",", {"", ""});
+    check("ab", ",", {"ab"});
+    check("", ",", {});
+    check("a::b:c", "::", {"a", "b:c"});
+    check("aaa", "aa", {"", "a"});
+    check("ab", "", {"a", "b", istr("\0", 1)});
+    check("", nullptr, {});
+    check("a", "abc", {"a"});
+    check(istr("a\0b", 3), istr("\0", 1), {"a", "b"});
     MultiString m("a,b", ",");
     EXPECT_EQ(m.separator(";").full(), "a;b");
     EXPECT_EQ(m.add("c;d").full(), "a;b;c;d");

@@ -12,59 +12,53 @@ namespace {
 
 using namespace std::string_literals;
 
+using R = StringRef &;
+
 TEST(StringRef, WritesInsideItsBuffer) {
     struct Row {
-        char const * what;
         ulong size;
-        void (*act)(StringRef &);
+        void (*act)(R);
         std::string expected;  ///< ten places; NUL reads as '0', what is untouched as '.'
         ulong cursor;
     };
     for (Row const & row : std::initializer_list<Row>{
-             {"append", 9, [](StringRef & r) { r.append("abc"); }, "abc0......", 3},
-             {"append some", 9, [](StringRef & r) { r.append("abc", 2).append(static_cast<unsigned char>('x')); },
-              "abx0......", 3},
-             {"append null", 9, [](StringRef & r) { r.append(static_cast<char const *>(nullptr), 3); }, "0.........",
-              0},
-             {"full", 4, [](StringRef & r) { r.append("abcdef"); }, "abcd......", 4},
-             {"exactly full", 4, [](StringRef & r) { (r += "ab") += "cd"; }, "abcd......", 4},
-             {"one short", 4, [](StringRef & r) { r << "abc"; }, "abc0......", 3},
-             {"operators", 9, [](StringRef & r) { r << 'a' << String("b") << Byte(99) << istr("de", 1); },
-              "abcd0.....", 4},
-             {"assign", 9, [](StringRef & r) { (r << "xyz") = istr("ab"); }, "ab00......", 2},
-             {"assign bytes", 9, [](StringRef & r) { r = Bytes("ab"); }, "ab0.......", 2},
-             {"sum", 9, [](StringRef & r) { EXPECT_EQ(istr((r << "ab") + "cd"), "abcd"); }, "abcd0.....", 2},
-             {"fill", 9, [](StringRef & r) { r.fill('-', 3).fill('x', 0); }, "---.......", 3},
-             {"fill too much", 4, [](StringRef & r) { (r << "a").fill('-', npos); }, "a---......", 4},
-             {"move", 9, [](StringRef & r) { ++r.append("ab"); }, "ab00......", 3},
-             {"move on", 9, [](StringRef & r) { EXPECT_EQ(istr(r.append("abcd").rewind(1)++), "a"); }, "ab0d0.....",
-              2},
-             {"advance to the end", 4, [](StringRef & r) { r.advance(4).advance(0); }, "..........", 4},
-             {"shift", 9, [](StringRef & r) { r.append("abc").shift(2).append("x"); }, "abx0......", 1},
-             {"rewound past the end", 4, [](StringRef & r) { r.rewind(9).append("x").fill('y', 2); }, "..........",
-              9},
-             {"left", 10, [](StringRef & r) { r.left("xyz"); }, "xyz ......", 0},
-             {"left too long", 4, [](StringRef & r) { r.left("vwxyz"); }, "vwx ......", 0},
-             {"right", 10, [](StringRef & r) { r.right("xyz"); }, "...... xyz", 0},
-             {"right too long", 4, [](StringRef & r) { r.right("vwxyz"); }, " xyz......", 0},
-             {"right row", 10, [](StringRef & r) { r.right('=', 3); }, "...... ===", 0},
-             {"right row too long", 4, [](StringRef & r) { r.right('=', npos); }, " ===......", 0},
-             {"center", 10, [](StringRef & r) { r.center("ab"); }, "... ab ...", 0},
-             {"center odd", 10, [](StringRef & r) { r.center("abc"); }, ".. abc ...", 0},
-             {"center too long", 5, [](StringRef & r) { r.center("abcdefg"); }, " cde .....", 0},
-             {"center nothing", 10, [](StringRef & r) { r.center("").left("").right("").right('x', 0); },
-              "..........", 0},
-             {"least field", 2, [](StringRef & r) { r.right("ab"); }, " b........", 0},
-             {"no field", 1, [](StringRef & r) { r.left("ab").right("ab").center("ab").right('x', 1); }, "..........",
-              0},
-             {"no room", 0, [](StringRef & r) { (r << "ab").fill('x', 1).left("a").right("a"); }, "..........", 0},
+             {9, [](R r) { r.append("abc"); }, "abc0......", 3},
+             {9, [](R r) { r.append("abc", 2).append(static_cast<unsigned char>('x')); }, "abx0......", 3},
+             {9, [](R r) { r.append(static_cast<char const *>(nullptr), 3); }, "0.........", 0},
+             {4, [](R r) { r.append("abcdef"); }, "abcd......", 4},
+             {4, [](R r) { (r += "ab") += "cd"; }, "abcd......", 4},
+             {4, [](R r) { r << "abc"; }, "abc0......", 3},
+             {9, [](R r) { r << 'a' << String("b") << Byte(99) << istr("de", 1); }, "abcd0.....", 4},
+             {9, [](R r) { (r << "xyz") = istr("ab"); }, "ab00......", 2},
+             {9, [](R r) { r = Bytes("ab"); }, "ab0.......", 2},
+             {9, [](R r) { EXPECT_EQ(istr((r << "ab") + "cd"), "abcd"); }, "abcd0.....", 2},
+             {9, [](R r) { r.fill('-', 3).fill('x', 0); }, "---.......", 3},
+             {4, [](R r) { (r << "a").fill('-', npos); }, "a---......", 4},
+             {9, [](R r) { ++r.append("ab"); }, "ab00......", 3},
+             {9, [](R r) { EXPECT_EQ(istr(r.append("abcd").rewind(1)++), "a"); }, "ab0d0.....", 2},
+             {4, [](R r) { r.advance(4).advance(0); }, "..........", 4},
+             {9, [](R r) { r.append("abc").shift(2).append("x"); }, "abx0......", 1},
+             {4, [](R r) { r.rewind(9).append("x").fill('y', 2); }, "..........", 9},
+             {10, [](R r) { r.left("xyz"); }, "xyz ......", 0},
+             {4, [](R r) { r.left("vwxyz"); }, "vwx ......", 0},
+             {10, [](R r) { r.right("xyz"); }, "...... xyz", 0},
+             {4, [](R r) { r.right("vwxyz"); }, " xyz......", 0},
+             {10, [](R r) { r.right('=', 3); }, "...... ===", 0},
+             {4, [](R r) { r.right('=', npos); }, " ===......", 0},
+             {10, [](R r) { r.center("ab"); }, "... ab ...", 0},
+             {10, [](R r) { r.center("abc"); }, ".. abc ...", 0},
+             {5, [](R r) { r.center("abcdefg"); }, " cde .....", 0},
+             {10, [](R r) { r.center("").left("").right("").right('x', 0); }, "..........", 0},
+             {2, [](R r) { r.right("ab"); }, " b........", 0},
+             {1, [](R r) { r.left("ab").right("ab").center("ab").right('x', 1); }, "..........", 0},
+             {0, [](R r) { (r << "ab").fill('x', 1).left("a").right("a"); }, "..........", 0},
          }) {
         std::string room(10, '.');
         StringRef r(room.data(), row.size, 0);
         row.act(r);
         for (char & c : room) c = c != '\0' ? c : '0';
-        EXPECT_EQ(room, row.expected) << row.what;
-        EXPECT_EQ(static_cast<ulong>(r.current() - r.buffer()), row.cursor) << row.what;
+        EXPECT_EQ(room, row.expected) << row.size;
+        EXPECT_EQ(static_cast<ulong>(r.current() - r.buffer()), row.cursor) << row.expected;
     }
 }
 

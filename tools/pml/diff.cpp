@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <ostream>
-#include <unordered_map>
 #include <vector>
 
 #include "commands.h"
@@ -54,7 +53,7 @@ private:
 
     /// Prints the children that only one side has, and leaves the pairs for later.
     void compareChildren(Children const & lefts, Children const & rights) {
-        std::unordered_map<std::string, Unit const *> partners;
+        KeyMap<Unit const *> partners;
         for (Unit const * right : rights) partners.emplace(keyOf(*right), right);
         std::size_t const known = pairs_.size();
         for (Unit const * left : lefts) {

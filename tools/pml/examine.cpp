@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <ostream>
-#include <unordered_map>
 
 #include "number_rules.h"
 #include "tree.h"
@@ -62,7 +61,7 @@ public:
     void text(Token const & token) override {
         String value(token.text);
         yon::pml::unescapeString(value);
-        if (!value.empty() && (isBlank(value.front()) || isBlank(value.back()))) {
+        if (token.ended && !value.empty() && (isBlank(value.front()) || isBlank(value.back()))) {
             warn(token.begin, "this text begins or ends with a blank, and keeps it only in quotes");
         }
         std::string const fault = numberFault(type_, value);
@@ -77,7 +76,7 @@ public:
 private:
     struct List {
         std::size_t size = 0;
-        std::unordered_map<std::string, std::size_t> places;  ///< of the nodes, by name or "[n]"
+        KeyMap<std::size_t> places;  ///< of the nodes, by name or "[n]"
     };
 
     static bool isBlank(char c) noexcept { return yon::pml::pmlLexer::IsBlankChar(c); }

@@ -1,4 +1,4 @@
-#include <iostream>
+#include <ostream>
 
 #include "commands.h"
 #include "examine.h"
@@ -6,36 +6,17 @@
 #include "replace_file.h"
 #include "tree.h"
 #include "visible.h"
-#include "yon/pml/pml_writer.h"
 
 namespace pmltool {
 
 namespace {
 
-using yon::pml::ShowPattern;
-
 std::string formatted(Source const & source, Unit const & root, FormatArguments const & arguments) {
-    int const paths = arguments.showPaths ? ShowPattern::PATH : 0;
     try {
-        return printed(root, arguments.mode, ShowPattern::usual | ShowPattern::QUOTE_BLANKS | paths) + '\n';
+        return printed(root, source, arguments.mode, arguments.showPaths) + '\n';
     } catch (TooMuchText const &) {
         throw BadInput(source.name + ": nested too deep for this layout; --mode compact does without indentation");
     }
-}
-
-/// Names with quotes in them, for example, may be written as something else.
-void ensureReadsBack(Source const & source, std::string const & text, Unit const & root) {
-    Unit again;
-    bool parsed = true;
-    try {
-        parse({source.name, text, false}, again);
-    } catch (BadInput const &) {
-        parsed = false;
-    }
-    Unit const * const lost = firstDifference(root, again);
-    if (parsed && lost == nullptr) return;
-    throw BadInput(source.name + ": " + (lost == nullptr ? "the document" : shortPath(lost->path())) +
-                   " would read back differently; see pml check");
 }
 
 int formatFile(std::string const & file, FormatArguments const & arguments, Console & console) {
@@ -47,17 +28,19 @@ int formatFile(std::string const & file, FormatArguments const & arguments, Cons
         print(report, source, console.err, false);
         return bad;
     }
-    std::string const text = formatted(source, root, arguments);
-    ensureReadsBack(source, text, root);
+    Source const result{source.name, formatted(source, root, arguments), false};
+    if (Unit const * const lost = firstLost(root, result)) {
+        throw BadInput(source.name + ": " + shortPath(lost->path()) + " would read back differently; see pml check");
+    }
     if (report.comments != 0 && !arguments.dropComments) {
         std::string const lost = source.name + ':' + Lines(source.text).at(report.firstComment) + ": ";
         if (arguments.inPlace) throw BadInput(lost + "comments would be lost; --drop-comments allows it");
         console.err << lost << "warning: comments are left out\n";
     }
     if (!arguments.inPlace) {
-        console.out << text;
-    } else if (text != source.text || source.marked) {
-        replaceFile(file, "", text);
+        console.out << result.text;
+    } else if (result.text != source.text || source.marked) {
+        replaceFile(file, "", result.text);
     }
     return ok;
 }

@@ -7,15 +7,13 @@ namespace pmltool {
 
 namespace {
 
-std::string shown(Unit const & node) {
+std::string shown(Unit const & node, Source const & source) {
     using yon::pml::ShowMode;
-    using yon::pml::ShowPattern;
     if (node.listValue() == nullptr) return std::string(std::string_view(node.getStringValue()));
-    ShowPattern const pattern(ShowPattern::usual | ShowPattern::QUOTE_BLANKS);
     try {
-        return printed(node, ShowMode::FORMATTED, pattern);
+        return printed(node, source, ShowMode::FORMATTED);
     } catch (TooMuchText const &) {
-        return printed(node, ShowMode::COMPACT, pattern);
+        return printed(node, source, ShowMode::COMPACT);
     }
 }
 
@@ -25,7 +23,7 @@ int get(NodeArguments const & arguments, Console & console) {
     Source const source = readSource(arguments.file, console);
     Unit root;
     parse(source, root);
-    console.out << shown(findNode(source, root, arguments.path)) << '\n';
+    console.out << shown(findNode(source, root, arguments.path), source) << '\n';
     return ok;
 }
 

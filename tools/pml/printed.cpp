@@ -9,6 +9,9 @@ namespace pmltool {
 
 namespace {
 
+using yon::pml::ShowMode;
+using yon::pml::ShowPattern;
+
 class LimitedText final : public std::streambuf {
 public:
     explicit LimitedText(std::size_t most) noexcept : most_(most) {}
@@ -28,12 +31,13 @@ private:
 
 }  // namespace
 
-std::string printed(Unit const & node, yon::pml::ShowMode mode, yon::pml::ShowPattern pattern) {
-    bool const indents = mode != yon::pml::ShowMode::COMPACT;
-    LimitedText text(indents ? std::size_t{256} << 20 : std::size_t{0} - 1);
+std::string printed(Unit const & node, Source const & source, ShowMode mode, bool showPaths) {
+    std::size_t const most = (std::size_t{64} << 20) + 16 * source.text.size();
+    LimitedText text(mode == ShowMode::COMPACT ? std::string::npos : most);
     std::ostream out(&text);
     out.exceptions(std::ios::badbit);
-    ntvToPml(node, out, mode, pattern);
+    int const paths = showPaths ? ShowPattern::PATH : 0;
+    ntvToPml(node, out, mode, ShowPattern::usual | ShowPattern::QUOTE_BLANKS | paths);
     return std::move(text.text());
 }
 

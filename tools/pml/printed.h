@@ -8,10 +8,11 @@
 
 namespace pmltool {
 
-/// Indentation and path comments, which grow with the square of the depth, would come to gigabytes.
+/// Indentation and path comments, which grow with the square of the depth, would be far longer than the document.
 struct TooMuchText {};
 
-/// The node as pml. Raises `TooMuchText` in the layouts that indent.
-std::string printed(Unit const & node, yon::pml::ShowMode mode, yon::pml::ShowPattern pattern);
+/// A node of the document as pml, with quotes where blanks need them. Raises `TooMuchText` in the layouts that
+/// indent.
+std::string printed(Unit const & node, Source const & source, yon::pml::ShowMode mode, bool showPaths = false);
 
 }  // namespace pmltool

@@ -190,6 +190,7 @@ private:
 
 /// Says why the output failed, unless nobody reads it any more.
 int outputFailed(Console & console, int error) {
+    console.out.exceptions(std::ios::goodbit);  // it is flushed once more when the program ends
     if (error != EPIPE) console.err << "pml: standard output: " << std::generic_category().message(error) << '\n';
     return bad;
 }

@@ -22,6 +22,16 @@ Unit const * firstDifference(Unit const & a, Unit const & b) {
     return nullptr;
 }
 
+Unit const * firstLost(Unit const & root, Source const & text) {
+    Unit read;
+    try {
+        parse(text, read);
+    } catch (BadInput const &) {
+        // The node at the error, at the latest, is missing.
+    }
+    return firstDifference(root, read);
+}
+
 std::size_t numberOf(Unit const & node, Unit const & root) {
     std::size_t number = 0;
     for (std::vector<Unit const *> nodes{&root}; nodes.back() != &node; ++number) {

@@ -81,8 +81,8 @@ private:
     void alloc(ulong n);
     void free() noexcept;
     Bytes & appendGrowing(istr const & s);
-    ulong grownTo(ulong n) const noexcept;
-    void fill(ulong at, istr const & s) noexcept;
+    /// Moves to a larger block of at least `n` bytes: `kept` bytes of the content, and behind them `s`.
+    void grow(ulong n, ulong kept, istr s);
 
     unsigned char * buffer_ = nullptr;
     ulong max_size_ = 0;

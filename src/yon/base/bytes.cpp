@@ -2,6 +2,7 @@
 
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include "yon/base/leak_checker.h"
 
@@ -15,60 +16,61 @@ ulong sum(ulong a, ulong b) {
     return a + b;
 }
 
-constexpr char const * sourceFile = "src/yon/base/base_type_bytes";
+unsigned char * allocate(ulong n) {
+    auto const block = new (std::nothrow) unsigned char[n];
+    MemLeakChecker::push(block, "src/yon/base/base_type_bytes", 164, "yon::Bytes::alloc", n);
+    return block;
+}
+
+void release(unsigned char * block) noexcept {
+    MemLeakChecker::pop(block);
+    delete[] block;
+}
 
 }  // namespace
 
 void Bytes::alloc(ulong n) {
     max_size_ = n;
-    buffer_ = new (std::nothrow) unsigned char[n];
-    MemLeakChecker::push(buffer_, sourceFile, 164, "yon::Bytes::alloc", n);
+    buffer_ = allocate(n);
 }
 
 void Bytes::free() noexcept {
-    MemLeakChecker::pop(buffer_);
-    delete[] buffer_;
+    release(buffer_);
     buffer_ = nullptr;
     max_size_ = size_ = 0;
 }
 
-Bytes & Bytes::resize(ulong n) {
-    if (n > max_size_) {
-        Bytes grown(grownTo(n));
-        grown.fill(0, *this);
-        swap(grown);
+void Bytes::grow(ulong n, ulong kept, istr s) {
+    ulong const doubled = max_size_ > npos / 2 - 1 ? npos : 2 * max_size_ + 2;
+    max_size_ = std::max(doubled, n);
+    unsigned char * const old = std::exchange(buffer_, allocate(max_size_));
+    if (buffer_ != nullptr) {
+        MemCopy(buffer_, old, kept);
+        MemCopy(buffer_ + kept, s.data(), s.size());
     }
+    size_ = kept + s.size();
+    // Not before now: `s` may lie in it.
+    release(old);
+}
+
+Bytes & Bytes::resize(ulong n) {
+    if (n > max_size_) grow(n, size_, istr());
     return *this;
 }
 
 Bytes & Bytes::assign(istr const & s) {
     if (s.size() > max_size_) {
-        // The new block is filled before the old one goes: `s` may lie in it.
-        Bytes grown(grownTo(s.size()));
-        grown.fill(0, s);
-        swap(grown);
+        grow(s.size(), 0, s);
     } else {
-        fill(0, s);
+        MemCopy(buffer_, s.data(), s.size());
+        size_ = s.size();
     }
     return *this;
 }
 
 Bytes & Bytes::appendGrowing(istr const & s) {
-    Bytes grown(grownTo(sum(size_, s.size())));
-    grown.fill(0, *this);
-    grown.fill(size_, s);
-    swap(grown);
+    grow(sum(size_, s.size()), size_, s);
     return *this;
-}
-
-ulong Bytes::grownTo(ulong n) const noexcept {
-    ulong const doubled = max_size_ > npos / 2 - 1 ? npos : 2 * max_size_ + 2;
-    return std::max(doubled, n);
-}
-
-void Bytes::fill(ulong at, istr const & s) noexcept {
-    if (buffer_ != nullptr) MemCopy(buffer_ + at, s.data(), s.size());
-    size_ = at + s.size();
 }
 
 }  // namespace yon

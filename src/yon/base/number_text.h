@@ -59,7 +59,9 @@ inline char const * skipBlanks(char const * p, char const * end) noexcept {
     return p;
 }
 
-inline bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+/// The value of a decimal digit; 10 or more for anything else.
+inline unsigned digitOf(char c) noexcept { return static_cast<unsigned char>(c - '0'); }
+inline bool isDigit(char c) noexcept { return digitOf(c) < 10; }
 
 /// Behind the sign, if there is one. REQUIRES: `p != end`.
 inline char const * skipSign(char const * p) noexcept { return p + (*p == '-' || *p == '+'); }
@@ -133,15 +135,15 @@ bool parseReal(char const * p, char const * end, T & value) noexcept {
 template <std::integral T>
 bool parsePlain(istr text, T & value) noexcept {
     char const * p = text.begin();
-    bool const negative = std::is_signed_v<T> && p != text.end() && *p == '-';
+    char const * const end = text.end();
+    bool const negative = std::is_signed_v<T> && p != end && *p == '-';
     p += negative;
-    // As many digits as can never be too many.
-    constexpr std::ptrdiff_t safe = std::numeric_limits<T>::digits10;
     char const * const first = p;
-    char const * const end = p + std::min(text.end() - p, safe);
-    std::make_unsigned_t<T> number = 0;
-    for (; p != end && isDigit(*p); ++p) number = static_cast<decltype(number)>(number * 10u + (*p - '0'));
-    if (p == first || (p != text.end() && isDigit(*p))) return false;
+    std::uint64_t number = 0;
+    for (unsigned digit; p != end && (digit = digitOf(*p)) < 10; ++p) number = number * 10 + digit;
+    constexpr std::ptrdiff_t safeDigits = std::numeric_limits<std::uint64_t>::digits10;
+    std::uint64_t const greatest = static_cast<std::uint64_t>(std::numeric_limits<T>::max()) + negative;
+    if (p == first || p - first > safeDigits || number > greatest) return false;
     value = static_cast<T>(negative ? 0 - number : number);
     return true;
 }
@@ -152,16 +154,9 @@ bool parsePlain(istr text, T & value) noexcept {
     return error == std::errc() && (stop == text.end() || !isE(*stop)) && std::isfinite(value);
 }
 
-/// Reads `value` as `std::istream >>` with default flags does, and tells whether the stream would not have failed.
-/// Leading white space is skipped and text after the number ignored. Without any text `value` stays; without a number
-/// it becomes 0; beyond the limits it becomes the limit; both fail. An unsigned type takes a minus and wraps. `bool`
-/// knows 0 and 1, any other number fails with true. Character types take the first character that is no blank.
+/// Everything that is not plain: blanks, a plus, other signs, limits, no number at all.
 template <class T>
-bool parseNumber(istr text, T & value) noexcept {
-    static_assert(std::is_arithmetic_v<T> && sizeof(T) <= sizeof(double));
-    if constexpr (!CharacterType<T> && !std::same_as<T, bool>) {
-        if (parsePlain(text, value)) return true;
-    }
+[[gnu::noinline]] bool parseGeneral(istr text, T & value) noexcept {
     char const * const end = text.end();
     char const * const p = skipBlanks(text.begin(), end);
     if (p == end) return false;
@@ -178,6 +173,20 @@ bool parseNumber(istr text, T & value) noexcept {
     } else {
         return parseReal(p, end, value);
     }
+}
+
+/// Reads `value` as `std::istream >>` with default flags does, and tells whether the stream would not have failed.
+/// Leading white space is skipped and text after the number ignored. Without any text `value` stays; without a number
+/// it becomes 0; beyond the limits it becomes the limit; both fail. An unsigned type takes a minus and wraps. `bool`
+/// knows 0 and 1, any other number fails with true. Character types take the first character that is no blank.
+template <class T>
+bool parseNumber(istr text, T & value) noexcept {
+    static_assert(std::is_arithmetic_v<T> && sizeof(T) <= sizeof(double));
+    if constexpr (!CharacterType<T> && !std::same_as<T, bool>) {
+        if (parsePlain(text, value)) [[likely]]
+            return true;
+    }
+    return parseGeneral(text, value);
 }
 
 }  // namespace yon::detail

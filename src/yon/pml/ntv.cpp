@@ -388,26 +388,26 @@ void Access::copyList(Unit & to, ListValue const & from) {
 
 void Access::destroy(ListValue::Children & units) noexcept {
     Slab & slab = Slab::local();
-    // Nodes with lists wait in a chain through their parent pointers: no recursion, and no memory that could run out.
-    Unit * pending = nullptr;
-    auto const destroyAll = [&](ListValue::Children & children) {
-        for (Unit * unit : children) {
-            if (unit == nullptr) continue;
-            if (unit->kind_ == Unit::Kind::list) {
-                unit->parent_ = pending;
-                pending = unit;
+    // From the last node to the first, against the order in which a parser makes them: so the pool hands the blocks out
+    // in their old order again, and the next tree lies as well in memory. The way back up stands in the parents: no
+    // recursion, and no memory that could run out.
+    Unit * above = nullptr;
+    ListValue::Children * list = &units;
+    for (;;) {
+        while (!list->empty()) {
+            Unit * const unit = list->back();
+            if (unit != nullptr && unit->numofChildren() != 0) {
+                unit->parent_ = above;
+                above = unit;
+                list = &static_cast<ListValue *>(unit->value_)->data_;
             } else {
-                destroyNode(slab, unit);
+                list->pop_back();
+                if (unit != nullptr) destroyNode(slab, unit);
             }
         }
-        children.clear();
-    };
-    destroyAll(units);
-    while (pending != nullptr) {
-        Unit * const unit = pending;
-        pending = unit->parent_;
-        destroyAll(static_cast<ListValue *>(unit->value_)->data_);
-        destroyNode(slab, unit);
+        if (above == nullptr) return;
+        above = above->parent_;
+        list = above != nullptr ? &static_cast<ListValue *>(above->value_)->data_ : &units;
     }
 }
 

@@ -75,7 +75,8 @@ private:
         return false;
     }
 
-    /// Reads the type where one is due, and the value. True when the value is a list, whose first child is the node now.
+    /// Reads the type where one is due, and the value. True when the value is a list, whose first child is the node
+    /// now.
     bool beginsList(State & state) {
         if (state == State::PasingType) {
             if (!next()) raise("get type token", tokenStart_);
@@ -121,7 +122,8 @@ private:
         node_ = nullptr;
     }
 
-    /// Hands the node, which is complete, to its list, and closes the lists that end here. True when the root is done.
+    /// Hands the node, which is complete, to its list, and closes the lists that end here. True when the root is
+    /// done.
     bool finish(bool closed) {
         while (!open_.empty()) {
             if (node_ != nullptr) addNode();
@@ -187,9 +189,13 @@ bool pmlParserBase::doParser(std::istream & in) {
 
 bool pmlParserBase::doParser(char const *& text) {
     MemorySource source(text, text + StrLen(text));
-    bool const done = parse(source, *unit_, state_);
-    text = source.mark();
-    return done;
+    // After an error, too.
+    struct Advance {
+        ~Advance() { text = source.mark(); }
+        char const *& text;
+        MemorySource const & source;
+    } const advance{text, source};
+    return parse(source, *unit_, state_);
 }
 
 bool pmlParserBase::doParser(istr text) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "yon/base/byte_search.h"
+#include "yon/string/string_buffer.h"
 
 namespace yon::pml {
 
@@ -32,24 +33,28 @@ bool hasBlankEdge(istr text) noexcept {
     return pmlLexer::IsBlankChar(text[0]) || pmlLexer::IsBlankChar(text[text.size() - 1]);
 }
 
-void appendQuoted(std::string & out, istr text) {
-    out += '\'';
+void appendQuoted(StringBuffer & out, istr text) {
+    out.append('\'');
     for (char const * from = text.begin();;) {
         char const * const p = findEither(from, text.end(), '\\', '\'');
-        out.append(from, p);
+        out.append(istr(from, static_cast<ulong>(p - from)));
         if (p == text.end()) break;
-        out += '\\';
-        out += *p;
+        out.append('\\').append(*p);
         from = p + 1;
     }
-    out += '\'';
+    out.append('\'');
+}
+
+char * put(char * to, istr text) noexcept {
+    if (!text.empty()) std::memcpy(to, text.data(), text.size());
+    return to + text.size();
 }
 
 /// Prints a tree in one layout. The open lists stand on an explicit stack, so that depth costs memory and not stack.
 /// With a stream, the text goes out in pieces.
 class Printer {
 public:
-    Printer(std::string & out, std::ostream * stream, ShowMode mode, ShowPattern pattern)
+    Printer(StringBuffer & out, std::ostream * stream, ShowMode mode, ShowPattern pattern)
         : out_(out), stream_(stream), mode_(mode), pattern_(pattern) {
         showPath_ = mode == ShowMode::FORMATTED && pattern.has(ShowPattern::PATH);
     }
@@ -74,8 +79,8 @@ private:
     struct OpenList {
         ListValue const * children;
         std::size_t next = 0;
-        std::size_t depth;       ///< of the node that holds the list
-        std::size_t childDepth;  ///< of the children
+        ulong depth;       ///< of the node that holds the list
+        ulong childDepth;  ///< of the children
         std::size_t pathLength;  ///< of the node's path
         bool compact;
         bool broken;  ///< in MIXED: each element stands on its own line
@@ -84,7 +89,7 @@ private:
     void child(OpenList & list) {
         Unit const & unit = *list.children->data()[list.next++];
         bool const compact = list.compact;
-        std::size_t const depth = list.childDepth;
+        ulong const depth = list.childDepth;
         // The only child of a node that is no single chain is none either: nobody walks a chain twice.
         bool const single = !compact && list.children->data().size() > 1 && unit.childWasSingle();
         if (!compact && mode_ == ShowMode::MIXED && unit.name().empty() && !unit.type().empty()) newLine(depth);
@@ -93,43 +98,48 @@ private:
     }
 
     /// Prints a node up to its first child, or the whole node when it has none.
-    void begin(Unit const & unit, std::size_t depth, bool compact, bool single) {
+    void begin(Unit const & unit, ulong depth, bool compact, bool single) {
         if (!compact) {
             indent(depth);
-            if (showPath_) ((out_ += "(* ") += path_.empty() ? "/" : path_) += " *) ";
+            if (showPath_) out_.append("(* ").append(path_.empty() ? istr("/") : istr(path_)).append(" *) ");
         }
         compact = compact || single;
         head(unit);
         ListValue const * const list = unit.listValue();
         if (list == nullptr || list->empty()) {
             text(unit);
-            out_ += ')';
+            out_.append(')');
             done();
             return;
         }
         bool const broken = !compact && mode_ == ShowMode::MIXED && unit.childrenWereUnnamedList();
-        std::size_t const childDepth = mode_ == ShowMode::MIXED ? depth + broken : depth + 1;
+        ulong const childDepth = mode_ == ShowMode::MIXED ? depth + broken : depth + 1;
         open_.push_back({list, 0, depth, childDepth, path_.size(), compact, broken});
-        if (!compact && mode_ != ShowMode::MIXED) out_ += '\n';
+        if (!compact && mode_ != ShowMode::MIXED) out_.append('\n');
     }
 
     void end(OpenList const & list) {
         if (list.broken) newLine(list.depth);
         if (!list.compact && mode_ != ShowMode::MIXED) indent(list.depth);
-        out_ += ')';
+        out_.append(')');
         open_.pop_back();
         done();
     }
 
     /// A node is complete.
     void done() {
-        if (!open_.empty() && !open_.back().compact && mode_ != ShowMode::MIXED) out_ += '\n';
+        if (!open_.empty() && !open_.back().compact && mode_ != ShowMode::MIXED) out_.append('\n');
     }
 
     void head(Unit const & unit) {
-        if (pattern_.has(ShowPattern::NAME)) out_ += unit.name();
-        if (pattern_.has(ShowPattern::TYPE) && !unit.type().empty()) (out_ += ':') += unit.type();
-        out_ += '(';
+        istr const name = pattern_.has(ShowPattern::NAME) ? istr(unit.name()) : istr();
+        istr const type = pattern_.has(ShowPattern::TYPE) ? istr(unit.type()) : istr();
+        char * to = put(out_.extend(name.size() + !type.empty() + type.size() + 1), name);
+        if (!type.empty()) {
+            *to = ':';
+            to = put(to + 1, type);
+        }
+        *to = '(';
     }
 
     void text(Unit const & unit) {
@@ -148,7 +158,7 @@ private:
         if (needsQuotes(value) || (pattern_.has(ShowPattern::QUOTE_BLANKS) && hasBlankEdge(value))) {
             appendQuoted(out_, value);
         } else {
-            out_.append(value.begin(), value.end());
+            out_.append(value);
         }
     }
 
@@ -162,20 +172,20 @@ private:
         }
     }
 
-    void newLine(std::size_t depth) {
-        out_ += '\n';
+    void newLine(ulong depth) {
+        out_.append('\n');
         indent(depth);
     }
-    void indent(std::size_t depth) { out_.append(depth * 4, ' '); }
+    void indent(ulong depth) { out_.append(' ', depth * 4); }
 
     void flush() {
         stream_->write(out_.data(), static_cast<std::streamsize>(out_.size()));
-        out_.clear();
+        out_.reset();
     }
 
-    static constexpr std::size_t pieceSize = std::size_t{64} << 10;
+    static constexpr ulong pieceSize = ulong{64} << 10;
 
-    std::string & out_;
+    StringBuffer & out_;
     std::ostream * const stream_;
     ShowMode const mode_;
     ShowPattern const pattern_;
@@ -188,7 +198,7 @@ private:
 
 bool ntvToPml(Unit const & unit, std::ostream & out, ShowMode mode, ShowPattern pattern) {
     if (!mode.known()) return false;
-    std::string piece;
+    StringBuffer piece;
     Printer(piece, &out, mode, pattern).print(unit);
     return out.good();
 }
@@ -196,9 +206,9 @@ bool ntvToPml(Unit const & unit, std::ostream & out, ShowMode mode, ShowPattern 
 bool ntvToPml(Unit const & unit, String & out, ShowMode mode, ShowPattern pattern) {
     if (!mode.known()) return false;
     // The target may be a text of the tree.
-    std::string text;
+    StringBuffer text;
     Printer(text, nullptr, mode, pattern).print(unit);
-    out = std::move(text);
+    out = text.str();
     return true;
 }
 
@@ -212,9 +222,9 @@ bool ntvToPml(Unit const & unit, File const & out, ShowMode mode, ShowPattern pa
 
 void escapeString(String & text) {
     if (!needsQuotes(text)) return;
-    std::string quoted;
+    StringBuffer quoted;
     appendQuoted(quoted, text);
-    text = std::move(quoted);
+    text = quoted.str();
 }
 
 char const * ShowMode::name() const noexcept {

@@ -1,8 +1,6 @@
 // Cutting tokens from a source, as fast as the source allows.
 #pragma once
 
-#include <array>
-
 #include "yon/base/byte_search.h"
 #include "yon/pml/pml_lexer.h"
 
@@ -60,8 +58,11 @@ public:
 
     /// Skips blanks; false at the end.
     bool skipBlanks() noexcept {
-        while (p_ != end_ && pmlLexer::IsBlankChar(*p_)) ++p_;
-        return p_ != end_;
+        // Past the line end, indentation comes in blanks.
+        for (;; ++p_) {
+            p_ = blanksEnd(p_, end_);
+            if (p_ == end_ || !pmlLexer::IsBlankChar(*p_)) return p_ != end_;
+        }
     }
     /// Takes characters that mean nothing to the lexer.
     void takePlain(String & out) {
@@ -119,26 +120,7 @@ public:
     }
 
 private:
-    /// Whether a character ends a run of plain ones.
-    static constexpr std::array<bool, 256> special = [] {
-        std::array<bool, 256> table{};
-        for (unsigned char c : {'(', ')', ':', '\'', '"'}) table[c] = true;
-        return table;
-    }();
-
-    static bool isSpecial(char c) noexcept { return special[static_cast<unsigned char>(c)]; }
-
-    char const * plainEnd(char const * p) const noexcept {
-        for (; end_ - p >= 4; p += 4) {
-            if (isSpecial(p[0])) return p;
-            if (isSpecial(p[1])) return p + 1;
-            if (isSpecial(p[2])) return p + 2;
-            if (isSpecial(p[3])) return p + 3;
-        }
-        while (p != end_ && !isSpecial(*p)) ++p;
-        return p;
-    }
-
+    char const * plainEnd(char const * p) const noexcept { return findTagOrQuote(p, end_); }
     char const * quotedEnd(char const * p, char quote) const noexcept { return findEither(p, end_, quote, '\\'); }
 
     char const * const begin_;

@@ -1,0 +1,112 @@
+// What the tests and the fuzz target of pml share: parsing from every source, and comparing trees of any depth.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "yon/pml/pml_parser.h"
+
+namespace yon::pml {
+
+/// A lexer over text in memory, such as an application writes for a source of its own.
+class MemoryLexer final : public pmlLexer {
+public:
+    explicit MemoryLexer(std::string_view text) : text_(text) {}
+    std::size_t at() const { return at_; }
+
+    bool __get_char(char & c) override { return __peek_char(c) && __skip_char(); }
+    bool __peek_char(char & c) override {
+        if (eof()) return false;
+        c = text_[at_];
+        return true;
+    }
+    bool __putback_char(char c) override { return at_ > 0 && text_[at_ - 1] == c && __unget_char(); }
+    bool __skip_blank(char & c) override {
+        while (__get_char(c)) {
+            if (!IsBlankChar(c)) return true;
+        }
+        return false;
+    }
+    bool __skip_char() override { return !eof() && ++at_; }
+    bool __unget_char() override { return at_ > 0 && at_--; }
+    bool __stream_ok() override { return true; }
+    bool eof() override { return at_ >= text_.size(); }
+
+private:
+    std::string_view text_;
+    std::size_t at_ = 0;
+};
+
+/// What came of parsing from one source.
+struct Outcome {
+    std::string source;
+    std::unique_ptr<Unit> unit = std::make_unique<Unit>();
+    std::string error;                     ///< empty when there was none
+    std::size_t read = std::string::npos;  ///< characters taken, where the source shows it
+};
+
+/// Parses `text` as a node, or as a bare value, from a view, a stream, a lexer of ours and, without NULs, a C string.
+inline std::vector<Outcome> parseFromAll(std::string const & text, bool valueOnly = false) {
+    std::vector<Outcome> outcomes;
+    auto const parse = [&](char const * source, auto read) {
+        Outcome o;
+        o.source = source;
+        try {
+            pmlParserBase parser(o.unit.get(), valueOnly ? pmlParserBase::PasingValue : pmlParserBase::PasingName);
+            if (!read(parser, o)) o.error = "false";
+        } catch (std::invalid_argument const & e) {
+            o.error = e.what();
+        }
+        outcomes.push_back(std::move(o));
+    };
+    parse("view", [&](pmlParserBase & parser, Outcome &) { return parser.doParser(istr(text)); });
+    // The places are noted after an error, too.
+    struct Note {
+        ~Note() { to = at(); }
+        std::size_t & to;
+        std::function<std::size_t()> at;
+    };
+    parse("stream", [&](pmlParserBase & parser, Outcome & o) {
+        std::istringstream in(text);
+        Note const note{o.read, [&] { return in.clear(), static_cast<std::size_t>(in.tellg()); }};
+        return parser.doParser(in);
+    });
+    parse("lexer", [&](pmlParserBase & parser, Outcome & o) {
+        MemoryLexer lexer(text);
+        Note const note{o.read, [&] { return lexer.at(); }};
+        return parser.doParser(lexer);
+    });
+    if (text.find('\0') != std::string::npos) return outcomes;
+    parse("C string", [&](pmlParserBase & parser, Outcome & o) {
+        char const * p = text.c_str();
+        Note const note{o.read, [&] { return static_cast<std::size_t>(p - text.c_str()); }};
+        return parser.doParser(p);
+    });
+    return outcomes;
+}
+
+/// Whether two trees have the same names, types, values and shape, however deep. Between nodes without a value, with
+/// an empty text and with an empty list, which are printed alike, a difference may be let pass.
+inline bool sameTree(Unit const & left, Unit const & right, bool emptyIsEmpty = false) {
+    std::vector<std::pair<Unit const *, Unit const *>> pairs{{&left, &right}};
+    while (!pairs.empty()) {
+        auto const [a, b] = pairs.back();
+        pairs.pop_back();
+        ntv::ListValue * listA = nullptr;
+        ntv::ListValue * listB = nullptr;
+        bool const kinds =
+            a->getValue(listA) == b->getValue(listB) && (a->value() == nullptr) == (b->value() == nullptr);
+        bool const same = a->name() == b->name() && a->type() == b->type() &&
+                          a->getStringValue() == b->getStringValue() && (kinds || emptyIsEmpty);
+        if (!same || a->numofChildren() != b->numofChildren()) return false;
+        for (ulong i = 0; i < a->numofChildren(); ++i) pairs.emplace_back(listA->data()[i], listB->data()[i]);
+    }
+    return true;
+}
+
+}  // namespace yon::pml
