@@ -14,15 +14,13 @@
 #include <limits>
 #include <type_traits>
 
+#include "yon/base/builtin_scalar.h"
 #include "yon/base/istr.h"
 
 namespace yon::detail {
 
 /// The room that `formatNumber` may use.
 inline constexpr std::size_t numberRoom = 32;
-
-template <class T>
-concept CharacterType = std::same_as<T, char> || std::same_as<T, signed char> || std::same_as<T, unsigned char>;
 
 inline char * formatReal(char * first, double value) noexcept {
     // Small whole numbers are the usual case and need no floating-point printing. A negative zero keeps its sign.
