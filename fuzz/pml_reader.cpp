@@ -56,32 +56,10 @@ void checkPrinting(Unit const & unit, ShowMode mode, ShowPattern pattern) {
     require(second == text, "a tree that was read back is printed in another way");
 }
 
-/// Every child of every list answers to its key, and to its path unless its name means something there.
-void checkLookUp(Unit const & root) {
-    std::vector<Unit const *> units{&root};
-    while (!units.empty()) {
-        Unit const & unit = *units.back();
-        units.pop_back();
-        ntv::ListValue * list = nullptr;
-        if (!unit.getValue(list)) continue;
-        ulong i = 0;
-        for (Unit const * child : *list) {
-            require(child->parent() == &unit && child->index() == i, "a child has another place or parent");
-            String const & name = child->name();
-            String key("[");
-            key += std::to_string(i++);
-            key += "]";
-            bool const step = name == "." || name == ".." || name == "/";
-            require(step || unit.at(name.empty() ? istr(key) : istr(name)) == child, "a child has lost its key");
-            units.push_back(child);
-        }
-    }
-}
-
 void checkTree(Unit const & unit) {
     Unit const copy(unit);
     require(sameTree(unit, copy), "a copy differs");
-    checkLookUp(copy);
+    require(brokenLinks(copy).empty(), "a node is linked or found in the wrong place");
     for (ShowMode mode : modes) {
         checkPrinting(copy, mode, ShowPattern::usual | ShowPattern::QUOTE_BLANKS);
     }

@@ -109,4 +109,44 @@ inline bool sameTree(Unit const & left, Unit const & right, bool emptyIsEmpty = 
     return true;
 }
 
+/// A small tree as text: `name:type`, then `=text` for a text, `{child child}` for a list, nothing without a value.
+inline std::string shape(Unit const & unit) {
+    std::string out = unit.name();
+    if (!unit.type().empty()) out += ":" + unit.type();
+    if (unit.stringValue() != nullptr) out += "=" + std::string(unit.getStringValue());
+    ntv::ListValue * list = nullptr;
+    if (!unit.getValue(list)) return out;
+    out += '{';
+    for (Unit const * child : *list) out += (child->index() == 0 ? "" : " ") + shape(*child);
+    return out + '}';
+}
+
+inline String keyOf(Unit const & unit) {
+    return unit.name().empty() ? String("[" + std::to_string(unit.index()) + "]") : unit.name();
+}
+
+/// What is wrong with the links of a tree, however deep: parents, positions, owners, and whether each child answers
+/// to its key, unless that means something else in a path. Empty when all is well.
+inline std::string brokenLinks(Unit const & root) {
+    std::vector<Unit const *> units{&root};
+    while (!units.empty()) {
+        Unit const & unit = *units.back();
+        units.pop_back();
+        if (unit.value() != nullptr && unit.value()->owner() != &unit)
+            return "the owner of the value of " + keyOf(unit);
+        ntv::ListValue * list = nullptr;
+        if (!unit.getValue(list)) continue;
+        ulong i = 0;
+        for (Unit const * child : *list) {
+            String const key = keyOf(*child);
+            if (child->parent() != &unit) return "the parent of " + key;
+            if (child->index() != i++) return "the position of " + key;
+            bool const isStep = key == "." || key == ".." || key == "/";
+            if (!isStep && unit.at(key) != child) return "the look-up of " + key;
+            units.push_back(child);
+        }
+    }
+    return {};
+}
+
 }  // namespace yon::pml

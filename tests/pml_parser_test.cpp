@@ -1,0 +1,530 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include "pml_testing.h"
+#include "yon/pml/pml_type.h"
+
+namespace yon::pml {
+namespace {
+
+char const * const noName = "get pml name token";
+char const * const noType = "get type token";
+char const * const noBegin = "not found value begin tag, token";
+char const * const duplicated = "duplicated unit";
+
+std::string at(char const * error, int line, int column) {
+    return std::string(error) + " at line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+struct Row {
+    std::string text;
+    std::string shape;
+    std::string unread = "";
+};
+
+/// All sources give that tree, or that error and what was complete, and stand just before `unread`.
+void expect(Row const & row, std::string const & error = "", bool valueOnly = false) {
+    for (Outcome const & o : parseFromAll(row.text, valueOnly)) {
+        SCOPED_TRACE(o.source + ": " + row.text);
+        EXPECT_EQ(o.error, error);
+        EXPECT_EQ(shape(*o.unit), row.shape);
+        if (o.read != std::string::npos) {
+            EXPECT_EQ(row.text.substr(o.read), row.unread);
+        }
+    }
+}
+
+TEST(PmlParser, Nodes) {
+    for (Row const & row : {
+             Row{"port:int(8080)", "port:int=8080"},
+             Row{"server(host(alpha) port(80))", "server{host=alpha port=80}"},
+             Row{"hosts((a)(b))", "hosts{=a =b}"},
+             Row{"msg('a:b (c)')", "msg=a:b (c)"},
+             Row{"note('it\\'s')", "note=it's"},
+             Row{"a(* comment (* nested *) *)(1)", "a=1"},
+             Row{"empty()", "empty="},
+             Row{"", ""},
+             Row{" \t\r\n(* nothing (* at *) all *) ", ""},
+             Row{"a:int b(1)", "a:int b=1"},
+             Row{" a name ( some\n text )rest", "a name=some\n text", "rest"},
+             Row{"a:(1)", "a=1"},
+             Row{":t(1)", ":t=1"},
+             Row{"(1)(2)", "=1", "(2)"},
+             Row{"a(:t(1):u(x(1))y)", "a{:t=1 :u{x=1} y}", ")"},
+             Row{"a(1) b(2)", "a=1", " b(2)"},
+             Row{"a) b(2)", "a", ") b(2)"},
+             Row{")x", "", "x"},
+             Row{"r(x(a(1) b) y(2))", "r{x{a=1 b}}", " y(2))"},
+             Row{"r(b)", "r=b"},
+             Row{"r((1) b)", "r{=1 b}", ")"},
+             Row{"l(a()(* c *) b() (* d *) )", "l{a= b=}"},
+             Row{"l( (* first *) a(1))", "l{a=1}"},
+             // Quotes.
+             Row{"a('x' 'y')", "a=xy"},
+             Row{"a('x'\n\t\"y\")", "a=xy\""},
+             Row{"a('x' \"y\" 'z')", "a=xyz"},
+             Row{"a(\"it's\")", "a=it's"},
+             Row{"a(x'y(z)'w)", "a=x'y(z)'w"},
+             Row{"a(' x ')", "a= x "},
+             Row{"a('' )", "a="},
+             Row{"a('\\\\\\\"\\n')", "a=\\\"n"},
+             Row{"a(\\x\\)", "a=\\x\\"},
+             Row{"a('(*')", "a=(*"},
+             Row{"'a:b'(1)", "'a:b'=1"},
+             Row{"a:'t(' (1)", "a:'t('=1"},
+             Row{"a('x'y)", "a='x'y"},
+             // Comments within tokens.
+             Row{"a(* c *) b(1)", "ab=1"},
+             Row{"a (*c*)b(1 (*)*) 2)", "a b=1 2"},
+             Row{"(**)a(*(**)*)(1)", "a=1"},
+             Row{"a((*)*)(*)", "a="},
+             Row{"a(*)", "", ""},
+             Row{"a(* )(1)", "", ""},
+             Row{"a(b* )", "a=b*"},
+             // Bytes of any kind.
+             Row{"na\xC3\xA0 (\xE2\x82\xAC\xA0)", "na\xC3\xA0=\xE2\x82\xAC\xA0"},
+             Row{"a(1\r\n2 \r\n)\r\n", "a=1\r\n2", "\r\n"},
+             Row{std::string("a(x\0y)", 6), std::string("a=x\0y", 5)},
+             // Input that ends early.
+             Row{"abc", ""},
+             Row{"a(", "a="},
+             Row{"a(1", "a=1"},
+             Row{"a:t( 1 ", "a:t=1"},
+             Row{"a(b(1", "a{b=1}"},
+             Row{"a(b(1)", "a{b=1}"},
+             Row{"a(b(1)c", "a{b=1}"},
+             Row{"a('x", "a='x"},
+             Row{"a('x' ", "a=x"},
+             Row{"a('x\\", "a='x"},
+             Row{"a(1 (* c", "a=1"},
+             Row{"a(b(1) (* c", "a{b=1}"},
+         }) {
+        expect(row);
+    }
+}
+
+TEST(PmlParser, Values) {
+    for (Row const & row : {Row{"plain", "=plain"}, Row{" two words ", "=two words"}, Row{"", "="},
+                            Row{"'a' 'b'", "=ab"}, Row{"a(1)b(2)", "{a=1 b=2}"}, Row{"(1)(2))x", "{=1 =2}", "x"},
+                            Row{"text)x", "=text", "x"}, Row{":t(1)", "{:t=1}"}, Row{"a:t(b(1))", "{a:t{b=1}}"}}) {
+        expect(row, "", true);
+    }
+    expect({"a:b", "{}"}, at(noType, 1, 3), true);
+}
+
+TEST(PmlParser, Errors) {
+    struct ErrorRow {
+        Row row;
+        std::string error;
+    };
+    for (ErrorRow const & row : {
+             ErrorRow{{"a:int)", "a", ""}, at(noBegin, 1, 3)},
+             ErrorRow{{"a:", "a"}, at(noType, 1, 3)},
+             ErrorRow{{"a:int", "a"}, at(noType, 1, 3)},
+             ErrorRow{{"a : int : x(1)", "a", " x(1)"}, at(noBegin, 1, 5)},
+             ErrorRow{{"a(b:c)", "a{}"}, at(noBegin, 1, 5)},
+             ErrorRow{{"a(\n  b(1)\n  c:d)", "a{b=1}"}, at(noBegin, 3, 5)},
+             ErrorRow{{"a(\r\n  b:(* c *)  t)", "a{}"}, at(noBegin, 2, 14)},
+             ErrorRow{{"a(b:'x\ny')", "a{}"}, at(noBegin, 1, 5)},
+             ErrorRow{{"a(b:)", "a{}"}, at(noBegin, 1, 5)},
+             ErrorRow{{"a(x(1)x(2)y(3))", "a{x=1}", "y(3))"}, at(duplicated, 1, 7)},
+             ErrorRow{{"a(x(1)\n y( z(1)\nz ) y(2))", "a{x=1}", "(2))"}, at(duplicated, 3, 1)},
+             ErrorRow{{"a((1)(2)[1](3))", "a{=1 =2}", ")"}, at(duplicated, 1, 9)},
+             ErrorRow{{"a((1)[2](2)(3))", "a{=1 [2]=2}", ")"}, at(duplicated, 1, 12)},
+             ErrorRow{{"a(b(1)b)", "a{b=1}", ")"}, at(duplicated, 1, 7)},
+         }) {
+        SCOPED_TRACE(row.row.text);
+        for (Outcome const & o : parseFromAll(row.row.text)) {
+            EXPECT_EQ(o.error, row.error) << o.source;
+            EXPECT_EQ(shape(*o.unit), row.row.shape) << o.source;
+        }
+    }
+}
+
+/// The grammar as it is told, character by character and by recursion: what the parser must agree with.
+class Reference {
+public:
+    explicit Reference(std::string const & text) : in_(text) {}
+
+    std::string shape;
+    std::string error;
+    std::size_t p = 0;
+
+    void parse(bool valueOnly) {
+        Node root;
+        try {
+            step(root, valueOnly ? value : name);
+        } catch (std::string const & e) {
+            error = e;
+        }
+        shape = root.shape();
+    }
+
+private:
+    enum State { name, type, value };
+    enum Flag { colon, begin, end };
+    struct Node {
+        std::string name, type, text;
+        bool hasText = false, hasList = false;
+        std::vector<std::unique_ptr<Node>> children;
+        std::string key(std::size_t i) const { return name.empty() ? "[" + std::to_string(i) + "]" : name; }
+        std::string shape() const {
+            std::string out = name + (type.empty() ? "" : ":" + type) + (hasText ? "=" + text : "");
+            for (auto const & c : children) out += (&c == children.data() ? "{" : " ") + c->shape();
+            return out + (hasList ? children.empty() ? "{}" : "}" : "");
+        }
+    };
+
+    static bool blank(char c) { return std::string_view(" \t\n\v\f\r").find(c) != std::string_view::npos; }
+    static void trim(std::string & s) {
+        while (!s.empty() && blank(s.back())) s.pop_back();
+    }
+    bool skipBlanks() {
+        while (p < in_.size() && blank(in_[p])) ++p;
+        return p < in_.size();
+    }
+    bool next(char c) const { return p < in_.size() && in_[p] == c; }
+
+    bool token() {
+        text_.clear();
+        bool const more = skipBlanks();
+        start_ = p;
+        while (more && p < in_.size()) {
+            char const c = in_[p++];
+            if (c == ':' || c == ')' || (c == '(' && !next('*'))) {
+                flag_ = c == ':' ? colon : c == ')' ? end : begin;
+                trim(text_);
+                return true;
+            }
+            if (c == '(') {
+                ++p;
+                if (!comment() || !skipBlanks()) return false;
+                if (text_.empty()) start_ = p;
+            } else if (c == '\'' || c == '"') {
+                if (!quoted(c)) return false;
+            } else {
+                text_ += c;
+            }
+        }
+        return false;
+    }
+    bool comment() {
+        for (int depth = 1; p < in_.size();) {
+            char const c = in_[p++];
+            if (c == '(' && next('*')) ++p, ++depth;
+            if (c == '*' && next(')') && (++p, --depth) == 0) return true;
+        }
+        return false;
+    }
+    bool quoted(char quote) {
+        text_ += quote;
+        while (p < in_.size()) {
+            char const c = in_[p++];
+            if (c == '\\') {
+                if (p == in_.size()) return false;
+                text_ += in_[p++];
+                continue;
+            }
+            text_ += c;
+            if (c != quote) continue;
+            if (!skipBlanks()) return false;
+            if (in_[p] != '\'' && in_[p] != '"') return true;
+            text_.pop_back();
+            quote = in_[p++];
+        }
+        return false;
+    }
+
+    [[noreturn]] void fail(char const * what, std::size_t where) const {
+        auto const lines = std::count(in_.begin(), in_.begin() + static_cast<std::ptrdiff_t>(where), '\n');
+        auto const line = where == 0 ? std::string::npos : in_.rfind('\n', where - 1);
+        throw at(what, static_cast<int>(lines) + 1, static_cast<int>(where - line));
+    }
+
+    /// True when the list around is closed.
+    bool step(Node & node, State state) {
+        if (state == name) {
+            if (!token()) return true;
+            node.name = text_;
+            if (flag_ == end) {
+                if (!text_.empty()) --p;
+                return true;
+            }
+            state = flag_ == colon ? type : value;
+        }
+        if (state == type) {
+            if (!token()) fail(noType, start_);
+            if (flag_ != begin) fail(noBegin, start_);
+            node.type = text_;
+        }
+        if (!token() || flag_ == end) {
+            trim(text_);
+            node.hasText = true;
+            node.text = unquoted(text_);
+            return false;
+        }
+        node.hasList = true;
+        auto child = std::make_unique<Node>();
+        child->name = text_;
+        state = flag_ == colon ? type : value;
+        for (std::size_t begun = start_;; begun = nextStart_) {
+            nextStart_ = begun;
+            bool const closed = list(node, child, state, begun);
+            if (closed) return false;
+            child = std::make_unique<Node>();
+            state = name;
+            nextStart_ = p;
+        }
+    }
+    bool list(Node & node, std::unique_ptr<Node> & child, State state, std::size_t begun) {
+        if (state == name) {
+            std::size_t const back = p;
+            token();
+            begun = start_;
+            p = back;
+        }
+        bool const closed = step(*child, state);
+        if (closed && child->name.empty()) return true;
+        std::string const key = child->key(node.children.size());
+        for (std::size_t i = 0; i < node.children.size(); ++i) {
+            if (node.children[i]->key(i) == key) fail(duplicated, begun);
+        }
+        node.children.push_back(std::move(child));
+        return closed;
+    }
+    static std::string unquoted(std::string const & t) {
+        if (t.size() < 2 || (t[0] != '\'' && t[0] != '"')) return t;
+        if (t.back() == t[0]) return t.substr(1, t.size() - 2);
+        return t.back() == '\'' || t.back() == '"' ? t.substr(1) : t;
+    }
+
+    std::string const in_;
+    std::string text_;
+    Flag flag_ = end;
+    std::size_t start_ = 0;
+    std::size_t nextStart_ = 0;
+};
+
+void compareWithReference(std::string const & text, bool valueOnly) {
+    Reference reference(text);
+    reference.parse(valueOnly);
+    for (Outcome const & o : parseFromAll(text, valueOnly)) {
+        bool const placed = o.read == std::string::npos || o.read == reference.p;
+        if (o.error == reference.error && shape(*o.unit) == reference.shape && placed) continue;
+        ADD_FAILURE() << o.source << (valueOnly ? " (value): " : ": ") << text << "\n  read " << o.read << " of "
+                      << text.size() << ", not " << reference.p << "\n  " << shape(*o.unit) << " " << o.error
+                      << "\n  " << reference.shape << " " << reference.error;
+    }
+}
+
+TEST(PmlParser, AllShortInputs) {
+    std::string const alphabet = "a():*'\"\\ ";
+    for (std::size_t length = 0; length <= 5; ++length) {
+        std::string text(length, alphabet[0]);
+        std::vector<std::size_t> digits(length, 0);
+        for (;;) {
+            compareWithReference(text, length % 2 == 0 || text[0] == 'a');
+            if (HasFailure()) return;
+            std::size_t i = 0;
+            while (i < length && ++digits[i] == alphabet.size()) digits[i++] = 0;
+            if (i == length) break;
+            for (std::size_t k = 0; k <= i; ++k) text[k] = alphabet[digits[k]];
+        }
+    }
+}
+
+TEST(PmlParser, RandomInputsAndEveryTruncation) {
+    std::vector<std::string> const pieces = {
+        "a",     "b",  "c d", "(",  "(",   ")",    ")",   ":",    ":t(",     "(*",   "*)",     "'x'",    "'",
+        "\"y\"", "\\", " ",   "\n", "(1)", "a(1)", "[0]", "[1](", "(* c *)", "\r\n", "n:t(v)", "'q\\'r'"};
+    std::mt19937 random(11);
+    for (int i = 0; i < 4000 && !HasFailure(); ++i) {
+        std::string text = "r(";
+        for (std::size_t n = random() % 24; n > 0; --n) text += pieces[random() % pieces.size()];
+        compareWithReference(text, i % 2 == 0);
+    }
+    std::string const rich =
+        "\r\n(* head (* er *) *) server : type one (\r\n  host('al\\'pha' \"b\")(* c *) port:int( 80 )\n"
+        "  list:l((1)(2) :t(a(1)b(2)[7](x)) [9]('') last) \xC3\xA0(e)\n) tail(1)";
+    for (std::size_t n = 0; n <= rich.size() && !HasFailure(); ++n) {
+        compareWithReference(rich.substr(0, n), false);
+        compareWithReference(rich.substr(n), true);
+    }
+}
+
+TEST(PmlParser, Tokens) {
+    struct Token {
+        char const * text;
+        int flag;
+    };
+    struct TokensOf {
+        char const * text;
+        std::vector<Token> tokens;
+        char const * left = "";
+    };
+    auto const check = [](TokensOf const & row, pmlLexer & lexer) {
+        String token;
+        pmlLexer::TokenFlag flag{};
+        for (Token const & t : row.tokens) {
+            ASSERT_TRUE(lexer.getToken(token, flag)) << row.text;
+            EXPECT_EQ(token, t.text) << row.text;
+            EXPECT_EQ(static_cast<int>(flag), t.flag) << row.text;
+        }
+        EXPECT_FALSE(lexer.getToken(token, flag)) << row.text;
+        EXPECT_EQ(token, row.left) << row.text;
+    };
+    for (TokensOf const & row :
+         {TokensOf{"a : b ( c ) ", {{"a", 0}, {"b", 1}, {"c", 2}}}, TokensOf{"a(* c *) b x", {}, "ab x"},
+          TokensOf{"'a ' 'b' c)\\(", {{"'a b'c", 2}, {"\\", 1}}}, TokensOf{"::", {{"", 0}, {"", 0}}},
+          TokensOf{"x 'un\\)", {}, "x 'un)"}, TokensOf{"", {}}, TokensOf{"(()", {{"", 1}, {"", 1}, {"", 2}}}}) {
+        char const * text = row.text;
+        pmlLexerLpctstr inMemory(text);
+        check(row, inMemory);
+        std::istringstream in(row.text);
+        pmlLexerIstream inStream(in);
+        check(row, inStream);
+        MemoryLexer own(row.text);
+        check(row, own);
+    }
+}
+
+TEST(PmlParser, LexersMoveBackAndForth) {
+    char const * text = " ab";
+    std::istringstream in(text);
+    pmlLexerLpctstr memory(text);
+    pmlLexerIstream stream(in);
+    for (pmlLexer * lexer : std::initializer_list<pmlLexer *>{&memory, &stream}) {
+        char c = 0;
+        EXPECT_TRUE(lexer->__peek_char(c) && c == ' ' && lexer->__skip_blank(c) && c == 'a');
+        EXPECT_TRUE(lexer->__unget_char() && lexer->__get_char(c) && c == 'a');
+        EXPECT_TRUE(lexer->__putback_char('a') && lexer->__skip_char() && lexer->__get_char(c) && c == 'b');
+        EXPECT_FALSE(lexer->__get_char(c) || lexer->__peek_char(c) || lexer->__skip_char() || lexer->__skip_blank(c));
+        EXPECT_TRUE(lexer->eof() && lexer->__stream_ok());
+        EXPECT_TRUE(lexer->__unget_char() && lexer->__get_char(c) && c == 'b');
+    }
+    for (char blank : {' ', '\t', '\n', '\v', '\f', '\r'}) EXPECT_TRUE(pmlLexer::IsBlankChar(blank));
+    for (char c : {'a', '\0', '\x1C', '\x85', '\xA0', '\xFF'}) EXPECT_FALSE(pmlLexer::IsBlankChar(c));
+}
+
+/// Gives its text one character at a time and counts them; at the end it fails when told to.
+class SlowBuffer final : public std::streambuf {
+public:
+    SlowBuffer(std::string text, bool fails) : text_(std::move(text)), fails_(fails) {}
+    std::size_t given() const { return at_; }
+
+private:
+    int_type underflow() override {
+        if (at_ < text_.size()) return traits_type::to_int_type(text_[at_]);
+        if (fails_) throw std::runtime_error("broken");
+        return traits_type::eof();
+    }
+    int_type uflow() override {
+        int_type const c = underflow();
+        if (c != traits_type::eof()) ++at_;
+        return c;
+    }
+    int_type pbackfail(int_type) override {
+        return at_ > 0 ? traits_type::to_int_type(text_[--at_]) : traits_type::eof();
+    }
+
+    std::string const text_;
+    bool const fails_;
+    std::size_t at_ = 0;
+};
+
+TEST(PmlParser, StreamsAreReadToTheEndOfTheNode) {
+    SlowBuffer buffer("a(1)b(2) c", false);
+    std::istream in(&buffer);
+    Unit unit;
+    EXPECT_TRUE(ntvFromPml(unit, in));
+    EXPECT_EQ(buffer.given(), 4u);
+    EXPECT_TRUE(in.good());
+    EXPECT_TRUE(ntvFromPml(unit, in));
+    EXPECT_EQ(shape(unit), "b=2");
+    EXPECT_EQ(buffer.given(), 8u);
+    EXPECT_TRUE(ntvFromPml(unit, in));
+    EXPECT_TRUE(unit.empty() && in.eof());
+
+    struct Failing {
+        char const * text;
+        std::string error;
+    };
+    for (Failing const & row : {Failing{"", at(noName, 1, 1)}, Failing{"a", at(noName, 1, 1)},
+                                Failing{"r(x(1)\n", at(noName, 2, 1)}, Failing{"a:", at(noType, 1, 3)}}) {
+        SlowBuffer broken(row.text, true);
+        std::istream from(&broken);
+        try {
+            ntvFromPml(unit, from);
+            ADD_FAILURE() << row.text;
+        } catch (std::invalid_argument const & e) {
+            EXPECT_EQ(e.what(), row.error) << row.text;
+        }
+    }
+}
+
+TEST(PmlParser, EntryPoints) {
+    Unit unit("old", "old", "old");
+    char const * text = "a:t(1) rest";
+    EXPECT_TRUE(ntvFromPml(unit, text));
+    EXPECT_STREQ(text, " rest");
+    EXPECT_TRUE(ntvFromValueString(unit, istr("b(2)")));
+    EXPECT_EQ(shape(unit), "a:t{b=2}");
+    char const * none = nullptr;
+    EXPECT_TRUE(ntvFromPml(unit, none) && ntvFromPml(unit, istr()) && unit.empty());
+
+    std::unique_ptr<Unit> const root(newNTV(istr("a(b(1))")));
+    EXPECT_EQ(shape(*root) + brokenLinks(*root), "a{b=1}");
+    std::istringstream in("(1)(2)");
+    std::unique_ptr<ntv::ValueBase> const value(newNtvValue(in));
+    ASSERT_NE(value, nullptr);
+    EXPECT_EQ(value->owner(), nullptr);
+    EXPECT_EQ(static_cast<ntv::ListValue *>(value.get())->size(), 2u);
+    EXPECT_THROW(delete newNTV(istr("a:b")), std::invalid_argument);
+    EXPECT_THROW(delete newNtvValue(istr("a:b")), std::invalid_argument);
+
+    for (auto const & [token, expected] : std::initializer_list<std::pair<char const *, char const *>>{
+             {"'a'", "a"}, {"\"a\"", "a"}, {"'a", "'a"}, {"'", "'"}, {"''", ""}, {"a'", "a'"}, {"''a''", "'a'"}}) {
+        String s(token);
+        unescapeString(s);
+        EXPECT_EQ(s, expected) << token;
+    }
+}
+
+TEST(PmlParser, Files) {
+    std::string const path = (std::filesystem::temp_directory_path() / "zuvyon_pml_parser_test.pml").string();
+    File const file{istr(path)};
+    auto const write = [&](std::string const & content) { std::ofstream(path, std::ios::binary) << content; };
+    Unit unit;
+    write(
+        "\xEF\xBB\xBF"
+        "a(\r\n  b(1\x1A\r\n2)\r\n)\r\nb");
+    EXPECT_TRUE(ntvFromPml(unit, file));
+    EXPECT_EQ(shape(unit), "a{b=1\x1A\r\n2}");
+    EXPECT_TRUE(pmlFile(file).toNTV(unit));
+    write("(* 1 *)\r\na:int)");
+    try {
+        ntvFromPml(unit, file);
+        ADD_FAILURE();
+    } catch (std::invalid_argument const & e) {
+        EXPECT_EQ(e.what(), at(noBegin, 2, 3));
+    }
+    write("");
+    std::unique_ptr<Unit> const empty(newNTV(file));
+    EXPECT_TRUE(empty != nullptr && empty->empty());
+    std::filesystem::remove(path);
+    EXPECT_FALSE(ntvFromPml(unit, file));
+    EXPECT_FALSE(pmlFile(istr(path)).toNTV(unit) || pmlFile().toNTV(unit));
+    EXPECT_EQ(newNTV(file), nullptr);
+    EXPECT_EQ(newNtvValue(file), nullptr);
+    EXPECT_EQ(newNTV(File(istr(std::filesystem::temp_directory_path().string()))), nullptr);
+
+    EXPECT_TRUE(pmlString("s(1)").toNTV(unit) && shape(unit) == "s=1");
+    EXPECT_TRUE(pmlString().toNTV(unit) && unit.empty());
+}
+
+}  // namespace
+}  // namespace yon::pml

@@ -1,0 +1,713 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+
+#include "pml_testing.h"
+#include "yon/base/diagnostics.h"
+#include "yon/base/leak_checker.h"
+#include "yon/pml/pml_writer.h"
+
+namespace yon::pml {
+namespace {
+
+using ntv::ListValue;
+using ntv::StringValue;
+using ntv::ValueBase;
+
+/// Works before main.
+std::string const earlyPath = [] {
+    Unit root("r");
+    root["a"]["b"] << 1;
+    return root.at(istr("a"))->at(0)->path() + Unit::path_root + Unit::path_parent + Unit::path_me +
+           Unit::path_separator + Unit::path_index_left + Unit::path_index_right;
+}();
+
+Unit parsed(char const * text) {
+    Unit unit;
+    EXPECT_TRUE(ntvFromPml(unit, istr(text)));
+    return unit;
+}
+
+/// One step that creates nothing.
+Unit const * look(Unit const & unit, char const * step) { return unit.at(istr(step)); }
+
+/// The message of the `std::invalid_argument` that `f` raises.
+template <class F>
+std::string refusal(F f) {
+    try {
+        f();
+    } catch (std::invalid_argument const & e) {
+        return e.what();
+    }
+    return "none";
+}
+char const * const duplicated = "duplicated unit";
+
+/// Keeps the records that the library writes.
+struct Records final : diagnostics::Sink {
+    Records() { diagnostics::install(this); }
+    ~Records() { diagnostics::install(nullptr); }
+    void record(diagnostics::Level level, istr, diagnostics::Location const &, istr message) noexcept override {
+        text += (level == diagnostics::Level::error ? "error: " : "other: ") + std::string(message) + "\n";
+    }
+    void exceptionThrown(diagnostics::Location const &, istr) noexcept override {}
+    bool categoryOn(istr) noexcept override { return false; }
+    void enter(diagnostics::Location const &) noexcept override {}
+    void leave(diagnostics::Location const &) noexcept override {}
+    void callStack(CallStack &) noexcept override {}
+    std::string text;
+};
+
+TEST(PmlTree, Construction) {
+    EXPECT_EQ(earlyPath, "/a/b/.../[]");
+    Unit parent;
+    Unit const units[] = {Unit(),
+                          Unit(nullptr),
+                          Unit(&parent),
+                          Unit("n", &parent),
+                          Unit(new StringValue("v"), &parent),
+                          Unit("n", "t", new ListValue, &parent),
+                          Unit("n", "t", "v", &parent),
+                          Unit("n", "t", istr())};
+    char const * const shapes[] = {"", "", "", "n", "=v", "n:t{}", "n:t=v", "n:t="};
+    for (std::size_t i = 0; i < std::size(units); ++i) {
+        Unit const & u = units[i];
+        EXPECT_EQ(shape(u), shapes[i]);
+        EXPECT_EQ(u.index(), 0u);
+        EXPECT_EQ(u.empty(), *shapes[i] == '\0');
+        EXPECT_EQ(brokenLinks(u), "");
+    }
+    EXPECT_EQ(Unit("n", "t", "v", &parent).parent(), &parent);
+    EXPECT_EQ(&Unit::null(), &Unit::null());
+    EXPECT_TRUE(Unit::null().empty());
+}
+
+TEST(PmlTree, CopiesAreLinkedAndLeaveTheTargetInPlace) {
+    Unit root = parsed("r:t(a(x(1)(2))b:u(3)c)");
+    Unit const copy(root);
+    EXPECT_TRUE(sameTree(copy, root));
+    EXPECT_EQ(brokenLinks(copy), "");
+    EXPECT_EQ(copy.at(istr("a"))->at(1)->path(), "/a/[1]");
+
+    Unit & b = root["b"];
+    b = root["a"];
+    EXPECT_EQ(shape(root), "r:t{a{x=1 =2} a{x=1 =2} c}");
+    EXPECT_EQ(b.parent(), &root);
+    EXPECT_EQ(b.index(), 1u);
+    EXPECT_EQ(b.at(1)->path(), "/a/[1]");
+
+    b.name("b") << root;
+    EXPECT_EQ(shape(b), "b:t{a{x=1 =2} b{x=1 =2} c}");
+    b = b;
+    b << b;
+    b = *b.at(1)->at(0);
+    EXPECT_EQ(shape(root), "r:t{a{x=1 =2} x=1 c}");
+    EXPECT_TRUE(Unit("n", "t", "v") >> *root.at(2));
+    EXPECT_EQ(shape(root), "r:t{a{x=1 =2} x=1 c:t=v}");
+    root = Unit("e");
+    EXPECT_EQ(shape(root), "e");
+    root["k"] << 1;
+    EXPECT_EQ(shape(root), "e{k=1}");
+
+    Unit moved = std::move(root);
+    EXPECT_EQ(shape(moved) + brokenLinks(moved), "e{k=1}");
+    EXPECT_TRUE(root.empty());  // NOLINT(bugprone-use-after-move)
+    moved = std::move(moved["k"]);
+    EXPECT_EQ(shape(moved), "k=1");
+}
+
+TEST(PmlTree, Values) {
+    Unit u("n", "t", "v");
+    StringValue * const text = u.stringValue();
+    u.setValue("w");
+    EXPECT_EQ(u.stringValue(), text);
+    u.setValue(istr(u.getStringValue()).removeLeft(1));
+    EXPECT_EQ(shape(u), "n:t=");
+    EXPECT_TRUE(u.valueEmpty());
+
+    u = parsed("n:t(a(deep text, longer than what fits in)b(2))");
+    EXPECT_FALSE(u.valueEmpty());
+    EXPECT_EQ(u.getStringValue(), "");
+    u.setValue(u["a"].getStringValue());
+    EXPECT_EQ(shape(u), "n:t=deep text, longer than what fits in");
+    EXPECT_EQ(look(u, "a"), nullptr);
+
+    u = parsed("n(a(1)b(2))");
+    std::unique_ptr<ValueBase> value(u.popValue());
+    ListValue * const list = static_cast<ListValue *>(value.get());
+    EXPECT_EQ(value->owner(), nullptr);
+    EXPECT_EQ(list->at(1)->parent(), nullptr);
+    EXPECT_TRUE(u.valueEmpty() && u.value() == nullptr && u.popValue() == nullptr && look(u, "a") == nullptr);
+    EXPECT_EQ(u.numofChildren(), 0u);
+    u["other"];
+    delete u.popValue();
+    u.value(value.release());
+    EXPECT_EQ(shape(u) + brokenLinks(u), "n{a=1 b=2}");
+
+    std::ostringstream dump;
+    u.value()->dump(dump);
+    EXPECT_EQ(dump.str(), "a(1)\nb(2)\n");
+    std::unique_ptr<ValueBase> const clone(u.value()->clone());
+    EXPECT_FALSE(clone->single());
+    EXPECT_EQ(clone->owner(), nullptr);
+    EXPECT_EQ(static_cast<ListValue *>(clone.get())->at(1)->getStringValue(), "2");
+    std::ostringstream single;
+    EXPECT_TRUE(StringValue("it's").single());
+    StringValue("it's").dump(single);
+    EXPECT_EQ(single.str(), "it's");
+
+    auto * const twins = new ListValue;
+    twins->push_back(new Unit("x"));
+    twins->push_back(new Unit("x"));
+    Unit holder;
+    EXPECT_EQ(refusal([&] { holder.value(twins); }), duplicated);
+    EXPECT_EQ(refusal([&] { Unit const copy(holder); }), duplicated);
+    twins->clear();
+    EXPECT_TRUE(twins->empty() && twins->begin() == twins->end());
+
+    Unit parent("p");
+    u.parent(&parent).index(7).clear();
+    EXPECT_TRUE(u.empty() && u.parent() == nullptr && u.index() == 0);
+}
+
+TEST(PmlTree, AddingChildren) {
+    Unit u("n", "t", "v");
+    StringValue * const text = u.stringValue();
+    EXPECT_TRUE(u.addChild("a", "int", "1"));
+    EXPECT_EQ(shape(u), "n:t{=v a:int=1}");
+    EXPECT_EQ(u.at(0)->stringValue(), text);
+    EXPECT_EQ(text->owner(), u.at(0));
+    EXPECT_FALSE(u.addChild(nullptr));
+    EXPECT_FALSE(u.addOrUpdateChild(nullptr));
+    EXPECT_TRUE(u.addChild("", "x"));
+    EXPECT_TRUE(u.addChild(parsed("b(c(1))")));
+    EXPECT_EQ(shape(u) + brokenLinks(u), "n:t{=v a:int=1 =x b{c=1}}");
+
+    auto refused = std::make_unique<Unit>("a", "", "again");
+    EXPECT_EQ(refusal([&] { u.addChild(refused.get()); }), duplicated);
+    EXPECT_EQ(refusal([&] { u.addChild("a", "2"); }), duplicated);
+    EXPECT_EQ(refusal([&] { u.addChild(*u.at(istr("b"))); }), duplicated);
+    EXPECT_EQ(u.numofChildren(), 4u);
+
+    EXPECT_FALSE(u.updateChild("a", "2"));
+    EXPECT_FALSE(u.updateChild(parsed("b:u((1)(2))")));
+    EXPECT_TRUE(u.updateChild("d", "long", "4"));
+    EXPECT_TRUE(u.updateChild("", "y"));
+    EXPECT_EQ(shape(u) + brokenLinks(u), "n:t{=v a=2 =x b:u{=1 =2} d:long=4 =y}");
+    EXPECT_FALSE(u.addOrUpdateChild(new Unit("d")));
+    EXPECT_EQ(shape(*u.at(4)), "d");
+
+    Unit more;
+    more += Unit("", "", "text");
+    EXPECT_EQ(shape(more), "");
+    more += parsed("m(a(1)(2))");
+    EXPECT_EQ(refusal([&] { more += more; }), duplicated);
+    EXPECT_EQ(shape(more), "{a=1 =2}");
+    Unit same = parsed("((1)(2))");
+    same += same;
+    EXPECT_EQ(shape(same) + brokenLinks(same), "{=1 =2 =1 =2}");
+
+    Unit created("c");
+    created["x"]["y"]["x"] << true;
+    created["."];
+    created[".."];
+    EXPECT_EQ(shape(created), "c{x{y{x=1}} . ..}");
+    EXPECT_EQ(&created["x"], created.at(0));
+}
+
+TEST(PmlTree, NamesThatLookLikePositions) {
+    struct Row {
+        char const * there;
+        char const * name;
+        bool taken;
+    };
+    for (Row const & row :
+         {Row{"((a)(b))", "[1]", true}, Row{"((a)(b))", "[0]", true}, Row{"((a)(b))", "[2]", false},
+          Row{"((a)(b))", "[01]", false}, Row{"((a)(b))", "[+1]", false}, Row{"((a)(b))", "[]", false},
+          Row{"((a)(b))", "[1", false}, Row{"(x(1)y(2))", "[1]", false}, Row{"((a)[2](b))", "", true},
+          Row{"((a)[1](b))", "", false}, Row{"((a)[02](b))", "", false}, Row{"(text)", "[0]", true}}) {
+        Unit u = parsed(row.there);
+        EXPECT_EQ(refusal([&] { u.addChild(row.name, "new"); }), row.taken ? duplicated : "none")
+            << row.there << " " << row.name;
+        EXPECT_EQ(brokenLinks(u), "");
+    }
+    Unit u = parsed("([5](named))");
+    EXPECT_EQ(look(u, "[0]"), nullptr);
+    EXPECT_EQ(look(u, "[5]"), u.at(0));
+    EXPECT_EQ(look(parsed("((a)(b))"), "[01]"), nullptr);
+}
+
+TEST(PmlTree, Paths) {
+    Unit const root = parsed("r(a(b(c(1)))list(x(0)(1)(x(2)(3)))'a/b'(5))");
+    Unit const * const c = root.at(0)->at(0)->at(0);
+    Unit const * const list = root.at(1);
+    struct Row {
+        Unit const * from;
+        char const * path;
+        Unit const * to;
+    };
+    for (Row const & row : {Row{&root, "", &root},
+                            Row{c, "", c},
+                            Row{c, "/", &root},
+                            Row{c, ".", c},
+                            Row{c, "..", c->parent()},
+                            Row{c, "../..", root.at(0)},
+                            Row{&root, "..", nullptr},
+                            Row{c, "../../../..", nullptr},
+                            Row{&root, "a/b/c", c},
+                            Row{c, "/a/b/c", c},
+                            Row{c, "/a/./b/../b/c", c},
+                            Row{&root, "a/b/c/", c},
+                            Row{&root, "a//b/c", c},
+                            Row{&root, "a/x", nullptr},
+                            Row{&root, "x/b", nullptr},
+                            Row{&root, "list[2]/x", list->at(2)->at(0)},
+                            Row{&root, "list/[2]/x", list->at(2)->at(0)},
+                            Row{&root, "list[2][1]", list->at(2)->at(1)},
+                            Row{list, "[0]", list->at(0)},
+                            Row{list, "[0]/..", list},
+                            Row{&root, "[0][0][0]", c},
+                            Row{list, "[1]x", nullptr},
+                            Row{list, "[3]", nullptr},
+                            Row{list, "[02]", list->at(2)},
+                            Row{&root, "a[x]", nullptr},
+                            Row{&root, "list[0", nullptr},
+                            Row{&root, "list[", nullptr},
+                            Row{&root, "list[]", nullptr},
+                            Row{&root, "list[-1]", nullptr},
+                            Row{&root, "list[4294967296]", nullptr},
+                            Row{&root, "list[99999999999999999999]", nullptr},
+                            Row{&root, "list[2]x", list->at(2)->at(0)},
+                            Row{c, "[0]", nullptr},
+                            Row{&root, "'a/b'", nullptr}}) {
+        EXPECT_EQ(row.from->find(row.path), row.to) << row.path;
+    }
+    EXPECT_EQ(root.path(), "/");
+    EXPECT_EQ(list->at(2)->at(0)->path(), "/list/[2]/x");
+    EXPECT_EQ(list->at(2)->at(1)->path(), "/list/[2]/[1]");
+    EXPECT_EQ(c->root(), &root);
+
+    EXPECT_EQ(root.at(istr("/")), &root);
+    EXPECT_EQ(c->at(istr("..")), c->parent());
+    EXPECT_EQ(list->at(istr("[1]")), list->at(1));
+    EXPECT_EQ(root.at(istr("a/b")), nullptr);
+    char const * const range = "list";
+    EXPECT_EQ(root.at(range, range + 4), list);
+    EXPECT_EQ(root.at(reinterpret_cast<unsigned char const *>(range), reinterpret_cast<unsigned char const *>(range)),
+              &root);
+    EXPECT_EQ(&root["list"][1], list->at(1));
+    EXPECT_EQ(&root["list"]["none"][0], &Unit::null());
+    String text("before");
+    EXPECT_TRUE(root.getChild("a", text));
+    EXPECT_EQ(text, "");
+    EXPECT_TRUE(c->getChild("", text));
+    EXPECT_EQ(text, "1");
+    EXPECT_FALSE(root.getChild("none", text));
+    EXPECT_EQ(text, "1");
+}
+
+TEST(PmlTree, WrongPositionsAreLogged) {
+    Unit u = parsed("((0)(1)(2)(3)(4))");
+    Unit const & constant = u;
+    Records records;
+    EXPECT_EQ(u.at(5), nullptr);
+    EXPECT_EQ(constant.at(7u), nullptr);
+    EXPECT_EQ(constant.find("[6]"), nullptr);
+    EXPECT_TRUE(u.at(4) != nullptr && constant.at(0) == u.at(0) && &u[0] == u.at(0));
+    EXPECT_EQ(u.at(1)->at(0), nullptr);
+    EXPECT_EQ(records.text,
+              "error: Index too large: 5\nerror: Index too large: 7\nerror: Index too large: 6\n"
+              "error: Value was not a list.\n");
+}
+
+TEST(PmlTree, Shapes) {
+    struct Row {
+        char const * text;
+        bool single;
+        bool unnamedList;
+    };
+    for (Row const & row :
+         {Row{"a", true, false}, Row{"a(1)", true, false}, Row{"a(b(1))", true, false},
+          Row{"a(b(c(d())))", true, false}, Row{"a(b(1)c(2))", false, false}, Row{"a(b(c(1)d(2)))", false, false},
+          Row{"a(:t(1))", true, false}, Row{"a(:t(1):t(2))", false, true}, Row{"a(:t(1):u(x(1)))", false, true},
+          Row{"a(:t(1)(2))", false, false}, Row{"a(:t(1)x:t(2))", false, false}}) {
+        Unit const u = parsed(row.text);
+        EXPECT_EQ(u.childWasSingle(), row.single) << row.text;
+        EXPECT_EQ(u.childrenWereUnnamedList(), row.unnamedList) << row.text;
+    }
+    EXPECT_TRUE(Unit("a", "", new ListValue).childWasSingle());
+}
+
+template <class T>
+void stores(T const & value, char const * text, char const * type = "kept") {
+    Unit u("n", "kept", "old");
+    u << value;
+    EXPECT_EQ(u.getStringValue(), text);
+    EXPECT_EQ(u.type(), type) << text;
+}
+
+TEST(PmlTree, TypedInsertion) {
+    stores(true, "1");
+    stores(false, "0");
+    stores('A', "A");
+    stores(static_cast<signed char>('B'), "B");
+    stores(static_cast<unsigned char>('C'), "C");
+    stores(static_cast<short>(-7), "-7");
+    stores(static_cast<unsigned short>(65535), "65535");
+    stores(std::numeric_limits<int>::min(), "-2147483648");
+    stores(std::numeric_limits<unsigned int>::max(), "4294967295");
+    stores(-8L, "-8");
+    stores(8UL, "8");
+    stores(std::numeric_limits<long long>::min(), "-9223372036854775808");
+    stores(std::numeric_limits<unsigned long long>::max(), "18446744073709551615");
+    stores(3.14159265f, "3.14159");
+    stores(3.14159265, "3.14159");
+    stores(1e6, "1e+06");
+    stores(100000.0, "100000");
+    stores(-0.00001, "-1e-05");
+    stores(Bit(true), "1");
+    stores(Char('A'), "65");
+    stores(Char(static_cast<char>(-1)), "-1");
+    stores(Byte(200), "200");
+    stores(Short(-3), "-3");
+    stores(Ushort(3), "3");
+    stores(Long(-4), "-4");
+    stores(Ulong(4), "4");
+    stores(Longlong(-5), "-5");
+    stores(Ulonglong(5), "5");
+    stores(Float(2.5f), "2.5");
+    stores(Double(0.1), "0.1");
+    stores("text ", "text ");
+    stores(reinterpret_cast<unsigned char const *>("u"), "u");
+    stores(istr("view", 2), "vi");
+    stores(String("own"), "own");
+    stores(std::string("std"), "std");
+    wstring const wide{'w', 'x'};
+    stores(wide, "wx");
+    stores(iwstr(wide), "wx");
+    stores(wide.c_str(), "wx");
+    stores(Bytes(istr("\1\2\3")), "AQID", "base64");
+    stores(Time(-1234567), "-1234567");
+}
+
+template <class T>
+void reads(char const * text, T expected) {
+    T value{};
+    EXPECT_TRUE(Unit("", "", text) >> value) << text;
+    EXPECT_EQ(value, expected) << text;
+    if constexpr (std::is_arithmetic_v<T>) {
+        T volatile changing{};
+        EXPECT_TRUE(Unit("", "", text) >> changing) << text;
+        EXPECT_EQ(changing, expected) << text;
+    }
+}
+
+/// None of the texts, and neither a list nor nothing, is read; the target stays.
+template <class T>
+void refuses(T before, std::initializer_list<char const *> texts) {
+    Unit const list("", "", new ListValue);
+    Unit const none;
+    auto const check = [&](Unit const & u) {
+        T value = before;
+        EXPECT_FALSE(u >> value) << shape(u);
+        EXPECT_EQ(value, before);
+        if constexpr (std::is_arithmetic_v<T>) {
+            T volatile changing = before;
+            EXPECT_FALSE(u >> changing) << shape(u);
+            EXPECT_EQ(changing, before);
+        }
+    };
+    check(list);
+    check(none);
+    for (char const * text : texts) check(Unit("", "", text));
+}
+
+TEST(PmlTree, TypedExtraction) {
+    reads(" 42 ", 42);
+    reads("12abc", 12);
+    reads("+5", 5);
+    reads("-2147483648", std::numeric_limits<int>::min());
+    refuses(7, {"", " ", "abc", "2147483648", "-", "99999999999999999999"});
+    reads<short>("-32768", -32768);
+    refuses<short>(7, {"40000", ""});
+    reads<unsigned short>("65535", 65535);
+    refuses<unsigned short>(7, {"65536"});
+    reads<unsigned int>("4294967295", 4294967295u);
+    reads<unsigned int>("-1", 4294967295u);
+    reads<long>("-9", -9);
+    reads<unsigned long>("9", 9);
+    reads<long long>("9223372036854775807", std::numeric_limits<long long>::max());
+    reads<unsigned long long>("18446744073709551615", std::numeric_limits<unsigned long long>::max());
+    refuses<long long>(7, {"9223372036854775808"});
+    refuses<unsigned long long>(7, {"18446744073709551616", "x"});
+    reads("1", true);
+    reads(" 0", false);
+    refuses(true, {"2", "true", ""});
+    reads("  x y", 'x');
+    reads<signed char>("65", '6');
+    reads<unsigned char>("\xC3", 0xC3);
+    refuses('q', {"", "  "});
+    reads("3.5x", 3.5);
+    reads("1e3", 1000.0f);
+    reads("-.5", -0.5);
+    refuses(7.0, {"", "x", ".", "1e999"});
+    refuses(7.0f, {"1e39"});
+    reads("7", Bit(true));
+    reads("0", Bit(false));
+    refuses(Bit(true), {"true", "40000", ""});
+    reads("65", Char('A'));
+    reads("300", Char(44));
+    refuses(Char('q'), {"A", "40000"});
+    reads("300", Byte(44));
+    reads("-4", Short(-4));
+    reads("4", Ushort(4));
+    reads("-5", Long(-5));
+    reads("5", Ulong(5));
+    reads("-6", Longlong(-6));
+    reads("6", Ulonglong(6));
+    reads("2.5", Float(2.5f));
+    reads("0.1", Double(0.1));
+    refuses(Long(7), {"2147483648"});
+    reads(" as it is ", String(" as it is "));
+    reads("", std::string());
+    refuses(String("kept"), {});
+    reads("wx", wstring{'w', 'x'});
+    refuses(wstring{'w'}, {});
+    reads("AQID", Bytes(istr("\1\2\3")));
+    reads("", Bytes());
+    refuses(Bytes(istr("x")), {});
+    reads(" -12 ", Time(-12));
+
+    Unit const none;
+    for (Unit const * u : {&none, &std::as_const(none), &Unit::null()}) {
+        Time time(5);
+        EXPECT_FALSE(*u >> time);
+        EXPECT_EQ(time, Time());
+    }
+    Time time(5);
+    EXPECT_FALSE(Unit("", "", "soon") >> time);
+    EXPECT_EQ(time, Time());
+    double pi = 0;
+    Unit u;
+    u << 3.14159265;
+    EXPECT_TRUE(u >> pi);
+    EXPECT_EQ(pi, 3.14159);
+}
+
+TEST(PmlTree, LeakCheckerKnowsNodesAndTheirMakers) {
+    MemLeakChecker::enable(true);
+    auto unit = std::make_unique<Unit>("n", "", "v");
+    unit->addChild("a", "1");
+    std::ostringstream live;
+    MemLeakChecker::report(live);
+    unit.reset();
+    EXPECT_NE(live.str().find("src/yon/pml/ntv:"), std::string::npos) << live.str();
+    EXPECT_NE(live.str().find("yon::pml::ntv::Unit::addChild"), std::string::npos) << live.str();
+    EXPECT_EQ(MemLeakChecker::count(), 0u);
+    MemLeakChecker::enable(false);
+}
+
+/// A tree of plain values, against which random editing is checked.
+struct Model {
+    enum Kind { none, text, list };
+    std::string name;
+    std::string type;
+    Kind kind = none;
+    std::string value;
+    std::vector<Model> children;
+
+    static std::string key(std::string const & name, std::size_t i) {
+        return name.empty() ? "[" + std::to_string(i) + "]" : name;
+    }
+    /// Whether a child other than the one at `except` has that key.
+    bool hasKey(std::string const & k, std::size_t except) const {
+        for (std::size_t i = 0; i < children.size(); ++i) {
+            if (i != except && key(children[i].name, i) == k) return true;
+        }
+        return false;
+    }
+    void makeList() {
+        if (kind == text) children.push_back({"", "", text, value, {}});
+        kind = list;
+    }
+    bool add(Model child) {
+        makeList();
+        if (hasKey(key(child.name, children.size()), children.size())) return false;
+        children.push_back(std::move(child));
+        return true;
+    }
+    void take(Model const & from) {
+        Model const copy = from;
+        type = copy.type;
+        kind = copy.kind;
+        value = copy.value;
+        children = copy.children;
+    }
+    std::size_t size() const {
+        std::size_t n = 1;
+        for (Model const & child : children) n += child.size();
+        return n;
+    }
+};
+
+std::string shapeOf(Model const & m) {
+    std::string out = m.name + (m.type.empty() ? "" : ":" + m.type);
+    if (m.kind == Model::text) out += "=" + m.value;
+    if (m.kind != Model::list) return out;
+    out += '{';
+    for (Model const & child : m.children) out += (&child == m.children.data() ? "" : " ") + shapeOf(child);
+    return out + '}';
+}
+
+/// Edits a tree and its model in the same way.
+class Editor {
+public:
+    explicit Editor(unsigned seed) : random_(seed) {}
+
+    void step() {
+        Place const at = place();
+        Unit & unit = *at.unit;
+        Model & model = *at.model;
+        std::string const name = randomName();
+        switch (random_() % 11) {
+            case 0:
+            case 1:
+            case 2:
+                add(unit, model, name);
+                break;
+            case 3:
+                update(unit, model, name);
+                break;
+            case 4:
+                unit.setValue(name);
+                model = {model.name, model.type, Model::text, name, {}};
+                break;
+            case 5:
+                if (random_() % 4 == 0) {
+                    delete unit.popValue();
+                    model = {model.name, model.type, Model::none, "", {}};
+                }
+                break;
+            case 6:
+                rename(at, name);
+                break;
+            case 7:
+                unit.type(name);
+                model.type = name;
+                break;
+            case 8:
+                copy(at, place());
+                break;
+            case 9:
+                append(unit, model);
+                break;
+            default:
+                move(at);
+                break;
+        }
+    }
+
+    void check() const {
+        ASSERT_EQ(shape(root_), shapeOf(model_));
+        ASSERT_EQ(brokenLinks(root_), "");
+    }
+
+private:
+    struct Place {
+        Unit * unit;
+        Model * model;
+        Model * parent;
+        std::size_t index;
+    };
+
+    Place place() {
+        Place p{&root_, &model_, nullptr, 0};
+        while (!p.model->children.empty() && random_() % 3 != 0) {
+            std::size_t const i = random_() % p.model->children.size();
+            p = {p.unit->at(i), &p.model->children[i], p.model, i};
+        }
+        return p;
+    }
+    std::string randomName() {
+        switch (random_() % 6) {
+            case 0:
+                return "";
+            case 1:
+                return "[" + std::to_string(random_() % 20) + "]";
+            default:
+                return "n" + std::to_string(random_() % 40);
+        }
+    }
+
+    void add(Unit & unit, Model & model, std::string const & name) {
+        bool const fits = model.add({name, "t", Model::text, "v", {}});
+        EXPECT_EQ(refusal([&] { unit.addChild(name, "t", "v"); }), fits ? "none" : duplicated);
+    }
+    void update(Unit & unit, Model & model, std::string const & name) {
+        if (name.empty() || name[0] == '[') return;
+        bool fresh = true;
+        for (Model & child : model.children) {
+            if (child.name != name) continue;
+            child = {name, "u", Model::text, "w", {}};
+            fresh = false;
+        }
+        if (fresh) model.add({name, "u", Model::text, "w", {}});
+        EXPECT_EQ(unit.updateChild(name, "u", "w"), fresh);
+    }
+    void rename(Place const & at, std::string const & name) {
+        if (at.parent != nullptr && at.parent->hasKey(Model::key(name, at.index), at.index)) return;
+        if (random_() % 2) {
+            at.unit->name(istr(name));
+        } else {
+            at.unit->name() = name;
+        }
+        at.model->name = name;
+    }
+    void copy(Place const & to, Place const & from) {
+        if (model_.size() + from.model->size() > 300) return;
+        if (to.parent == nullptr || !to.parent->hasKey(Model::key(from.model->name, to.index), to.index)) {
+            if (random_() % 2) {
+                *to.unit = *from.unit;
+                std::string const name = from.model->name;
+                to.model->take(*from.model);
+                to.model->name = name;
+                return;
+            }
+        }
+        *to.unit << *from.unit;
+        to.model->take(*from.model);
+    }
+    void append(Unit & unit, Model & model) {
+        if (model.kind != Model::list || model_.size() > 200) return;
+        std::vector<Model> const children = model.children;
+        bool fits = true;
+        for (Model const & child : children) fits = fits && model.add(child);
+        EXPECT_EQ(refusal([&] { unit += unit; }), fits ? "none" : duplicated);
+    }
+    /// The only or last child replaces its parent.
+    void move(Place const & at) {
+        if (at.model->children.empty() || at.parent != nullptr || random_() % 8 != 0) return;
+        Model last = at.model->children.back();
+        *at.unit = std::move(*at.unit->at(at.model->children.size() - 1));
+        *at.model = std::move(last);
+    }
+
+    std::mt19937 random_;
+    Unit root_;
+    Model model_;
+};
+
+TEST(PmlTree, RandomEditingFollowsTheModel) {
+    for (unsigned seed = 1; seed <= 30; ++seed) {
+        Editor editor(seed);
+        for (int i = 0; i < 400; ++i) {
+            editor.step();
+            if (i % 4 == 0) editor.check();
+            if (testing::Test::HasFailure()) FAIL() << "seed " << seed << " step " << i;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace yon::pml

@@ -1,0 +1,270 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include "pml_testing.h"
+#include "yon/pml/pml_type.h"
+
+namespace yon::pml {
+namespace {
+
+ShowMode const modes[] = {ShowMode::COMPACT, ShowMode::SIMPLE, ShowMode::MIXED, ShowMode::FORMATTED};
+
+std::string printed(Unit const & unit, ShowMode mode, ShowPattern pattern = {}) {
+    String text("replaced");
+    EXPECT_TRUE(ntvToPml(unit, text, mode, pattern));
+    return text;
+}
+
+/// Printing as it is told, by recursion: what the writer must agree with.
+class Reference {
+public:
+    Reference(ShowMode mode, int pattern) : mode_(mode.value()), pattern_(pattern) {}
+
+    std::string print(Unit const & unit) {
+        if (mode_ == ShowMode::COMPACT) {
+            compact(unit);
+        } else {
+            node(unit, 0);
+        }
+        return out_;
+    }
+
+private:
+    void indent(int depth) { out_ += std::string(static_cast<std::size_t>(depth) * 4, ' '); }
+    void head(Unit const & unit) {
+        if (pattern_ & 4) out_ += unit.name();
+        if ((pattern_ & 2) && !unit.type().empty()) out_ += ":" + unit.type();
+        out_ += "(";
+    }
+    std::string escaped(std::string text) const {
+        auto const blank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
+        bool const edge = (pattern_ & 16) && !text.empty() && (blank(text.front()) || blank(text.back()));
+        if (text.find_first_of("():*\\'\"") == std::string::npos && !edge) return text;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text[i] == '\\' || text[i] == '\'') text.insert(i++, 1, '\\');
+        }
+        return "'" + text + "'";
+    }
+    void compact(Unit const & unit) {
+        head(unit);
+        for (ulong i = 0; i < unit.numofChildren(); ++i) compact(unit[i]);
+        if (pattern_ & 1) out_ += escaped(unit.getStringValue());
+        out_ += ")";
+    }
+    void node(Unit const & unit, int depth) {
+        indent(depth);
+        if (mode_ == ShowMode::FORMATTED && (pattern_ & 8)) out_ += "(* " + unit.path() + " *) ";
+        if (unit.childWasSingle()) return compact(unit);
+        head(unit);
+        bool const mixed = mode_ == ShowMode::MIXED;
+        bool const broken = mixed && unit.childrenWereUnnamedList();
+        int const below = mixed ? depth + broken : depth + 1;
+        if (!mixed) out_ += "\n";
+        for (ulong i = 0; i < unit.numofChildren(); ++i) {
+            if (mixed && unit[i].name().empty() && !unit[i].type().empty()) out_ += "\n", indent(below);
+            node(unit[i], below);
+            if (!mixed) out_ += "\n";
+        }
+        if (broken) out_ += "\n";
+        if (broken || !mixed) indent(depth);
+        out_ += ")";
+    }
+
+    int const mode_;
+    int const pattern_;
+    std::string out_;
+};
+
+/// A tree of random shape, with any text.
+void grow(Unit & unit, std::mt19937 & random, int depth) {
+    static std::string const letters("ab \n()'*:\"\\\0\xC3\xA0", 14);
+    char const * const names[] = {"", "", "a", "b", "two words", "c*", "x.y", "[7]", "\xC3\xA0"};
+    char const * const types[] = {"", "", "t", "int b", "*"};
+    unit.type(types[random() % 5]);
+    if (depth == 0 || random() % 4 == 0) {
+        if (random() % 8 == 0) return;
+        std::string text;
+        for (std::size_t n = random() % 5; n > 0; --n) text += letters[random() % letters.size()];
+        unit.setValue(text);
+        return;
+    }
+    bool const unnamed = random() % 3 == 0;
+    for (std::size_t n = random() % 4 + 1; n > 0; --n) {
+        auto child = std::make_unique<Unit>(istr(unnamed ? "" : names[random() % 9]));
+        grow(*child, random, depth - 1);
+        if (unnamed && random() % 2) child->type("t");
+        try {
+            unit.addChild(child.get());
+            static_cast<void>(child.release());
+        } catch (std::invalid_argument const &) {
+        }
+    }
+}
+
+TEST(PmlWriter, EveryLayoutAndPatternAndBack) {
+    std::mt19937 random(3);
+    for (int i = 0; i < 1000 && !HasFailure(); ++i) {
+        Unit unit(i % 2 ? "root" : "");
+        grow(unit, random, static_cast<int>(random() % 5));
+        for (ShowMode mode : modes) {
+            for (int pattern = 0; pattern < 32; ++pattern) {
+                std::string const text = printed(unit, mode, pattern);
+                ASSERT_EQ(text, Reference(mode, pattern).print(unit)) << mode << " " << pattern;
+                if ((pattern & 23) != 23) continue;
+                Unit again;
+                ASSERT_TRUE(ntvFromPml(again, istr(text)));
+                ASSERT_TRUE(sameTree(unit, again, true)) << text;
+                ASSERT_EQ(printed(again, mode, pattern), text);
+            }
+        }
+    }
+}
+
+TEST(PmlWriter, Layouts) {
+    struct Row {
+        char const * tree;
+        char const * compact;
+        char const * simple;
+        char const * mixed;
+    };
+    for (Row const & row :
+         {Row{"server(host(alpha) ports((80)(81)))", "server(host(alpha)ports((80)(81)))",
+              "server(\n    host(alpha)\n    ports(\n        (80)\n        (81)\n    )\n)",
+              "server(host(alpha)ports((80)(81)))"},
+          Row{"a(b(1)c(2))", "a(b(1)c(2))", "a(\n    b(1)\n    c(2)\n)", "a(b(1)c(2))"},
+          Row{"a:t ( b ( c : u ( '1:' ) ) )", "a:t(b(c:u('1:')))", "a:t(b(c:u('1:')))", "a:t(b(c:u('1:')))"},
+          Row{"a(:t(1):u(2))", "a(:t(1):u(2))", "a(\n    :t(1)\n    :u(2)\n)", "a(\n        :t(1)\n        :u(2)\n)"},
+          Row{"a(b(:t(1):t(2))c((3):t(4)))", "a(b(:t(1):t(2))c((3):t(4)))",
+              "a(\n    b(\n        :t(1)\n        :t(2)\n    )\n    c(\n        (3)\n        :t(4)\n    )\n)",
+              "a(b(\n        :t(1)\n        :t(2)\n)c((3)\n:t(4)))"}}) {
+        Unit unit;
+        ASSERT_TRUE(ntvFromPml(unit, istr(row.tree)));
+        EXPECT_EQ(printed(unit, ShowMode::COMPACT), row.compact);
+        EXPECT_EQ(printed(unit, ShowMode::SIMPLE), row.simple);
+        EXPECT_EQ(printed(unit, ShowMode::FORMATTED), row.simple);
+        EXPECT_EQ(printed(unit, ShowMode::MIXED), row.mixed);
+    }
+    Unit unit;
+    ASSERT_TRUE(ntvFromPml(unit, istr("r(a:t(x)b((1)(2))c)")));
+    EXPECT_EQ(printed(unit, ShowMode::FORMATTED, 15),
+              "(* / *) r(\n    (* /a *) a:t(x)\n    (* /b *) b(\n        (* /b/[0] *) (1)\n        (* /b/[1] *) (2)\n"
+              "    )\n    (* /c *) c()\n)");
+    EXPECT_EQ(printed(*unit.at(1), ShowMode::FORMATTED, 15),
+              "(* /b *) b(\n    (* /b/[0] *) (1)\n    (* /b/[1] *) (2)\n)");
+    EXPECT_EQ(printed(unit, ShowMode::COMPACT, 3), "(:t(x)((1)(2))())");
+    EXPECT_EQ(printed(unit, ShowMode::COMPACT, 4), "r(a()b(()())c())");
+    EXPECT_EQ(printed(Unit("n"), ShowMode::MIXED), "n()");
+    EXPECT_EQ(printed(Unit("n", "", new ntv::ListValue), ShowMode::SIMPLE), "n()");
+}
+
+TEST(PmlWriter, Escaping) {
+    for (auto const & [text, expected] :
+         std::initializer_list<std::pair<char const *, char const *>>{{"", ""},
+                                                                      {"plain", "plain"},
+                                                                      {"a:b", "'a:b'"},
+                                                                      {"it's", "'it\\'s'"},
+                                                                      {"\\", "'\\\\'"},
+                                                                      {"\"", "'\"'"},
+                                                                      {"(", "'('"},
+                                                                      {")", "')'"},
+                                                                      {"*", "'*'"},
+                                                                      {" edge ", " edge "},
+                                                                      {"'", "'\\''"},
+                                                                      {"a\nb", "a\nb"}}) {
+        String s(text);
+        escapeString(s);
+        EXPECT_EQ(s, expected);
+    }
+    // Every text of two bytes comes back.
+    for (int a = 0; a < 256; ++a) {
+        for (int b = 0; b < 256; ++b) {
+            char const text[] = {static_cast<char>(a), static_cast<char>(b)};
+            Unit again;
+            std::string const pml =
+                printed(Unit("n", "", istr(text, 2)), ShowMode::COMPACT, 7 | ShowPattern::QUOTE_BLANKS);
+            ASSERT_TRUE(ntvFromPml(again, istr(pml)));
+            ASSERT_EQ(again.getStringValue(), istr(text, 2)) << pml;
+        }
+    }
+}
+
+TEST(PmlWriter, Modes) {
+    Unit unit("n", "", "1");
+    String untouched("as before");
+    std::ostringstream out;
+    for (int wrong : {0, 5, -1, 1000}) {
+        EXPECT_FALSE(ntvToPml(unit, untouched, wrong) || ntvToPml(unit, out, wrong) ||
+                     unit.toString(untouched, wrong));
+        EXPECT_FALSE(format(istr("n(1)"), untouched, wrong));
+        EXPECT_STREQ(ShowMode(wrong).name(), "<UnknownShowMode>");
+        EXPECT_EQ(unit.str(wrong), "");
+    }
+    EXPECT_EQ(untouched, "as before");
+    for (ShowMode mode : modes) out << mode << ' ';
+    out << ShowPattern(15) << ' ';
+    EXPECT_EQ(out.str(), "COMPACT SIMPLE MIXED FORMATTED 15 ");
+    unit << ShowMode(ShowMode::MIXED);
+    EXPECT_EQ(unit.getStringValue(), "MIXED");
+    unit << ShowPattern(9);
+    EXPECT_EQ(unit.getStringValue(), "9");
+}
+
+TEST(PmlWriter, TargetsAndSources) {
+    std::string const compact = "a(b(1)c(2))";
+    std::string const formatted = "a(\n    b(1)\n    c(2)\n)";
+    Unit unit;
+    ASSERT_TRUE(ntvFromPml(unit, istr(compact)));
+
+    std::ostringstream out;
+    String text("before ");
+    out << unit << ' ';
+    text << unit;
+    EXPECT_EQ(text, "before " + formatted);
+    EXPECT_TRUE(ntvToFormattedPml(unit, out) && ntvToMixedPml(unit, out) && ntvToCompactPml(unit, text, 4));
+    EXPECT_EQ(out.str(), compact + " " + formatted + compact);
+    EXPECT_EQ(text, "a(b()c())");
+    EXPECT_TRUE(ntvToSimplePml(unit, text));
+    EXPECT_EQ(text, formatted);
+    EXPECT_EQ(unit.str(), formatted);
+    EXPECT_EQ(unit.str(ShowMode::COMPACT), compact);
+    EXPECT_TRUE(ntvToPml(unit, unit.name(), ShowMode::COMPACT));
+    EXPECT_EQ(unit.name(), compact);
+    unit.name("a");
+    out.setstate(std::ios::failbit);
+    EXPECT_FALSE(ntvToPml(unit, out, ShowMode::SIMPLE));
+
+    std::string const path = (std::filesystem::temp_directory_path() / "zuvyon_pml_writer_test.pml").string();
+    File const file{istr(path)};
+    auto const content = [&] {
+        std::ifstream in(path, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    };
+    char const * source = "a(b(1)c(2))x";
+    std::istringstream in(compact);
+    EXPECT_TRUE(ntvToPml(unit, file, ShowMode::SIMPLE) && content() == formatted);
+    EXPECT_TRUE(format(source, file, ShowMode::COMPACT) && content() == compact);
+    EXPECT_STREQ(source, "x");
+    EXPECT_TRUE(format(in, file) && content() == formatted);
+    EXPECT_TRUE(format(istr("z(1)"), file) && content() == "z(1)");
+    std::ostringstream target;
+    EXPECT_TRUE(format(file, target, ShowMode::MIXED) && target.str() == "z(1)");
+    EXPECT_TRUE(format(file, text) && text == "z(1)");
+    EXPECT_THROW(format(istr("a:b"), file), std::invalid_argument);
+    EXPECT_EQ(content(), "z(1)");
+    EXPECT_TRUE(pmlFile(file).fromNTV(unit, ShowMode::COMPACT) && content() == compact);
+    std::filesystem::remove(path);
+    EXPECT_FALSE(format(file, text));
+    EXPECT_EQ(text, "z(1)");
+    File const nowhere{istr(path + "/x")};
+    EXPECT_FALSE(ntvToPml(unit, nowhere, ShowMode::SIMPLE) || format(istr("a(1)"), nowhere));
+
+    pmlString holder;
+    EXPECT_TRUE(holder.fromNTV(unit, ShowMode::COMPACT, 4) && holder.data() == "a(b()c())");
+    EXPECT_FALSE(holder.fromNTV(unit, 9));
+}
+
+}  // namespace
+}  // namespace yon::pml
