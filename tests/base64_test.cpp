@@ -42,7 +42,7 @@ bool simpleDecode(std::string text, std::string & bytes) {
 
 std::string randomText(std::mt19937 & random, std::size_t maxSize, std::string const & letters = "") {
     std::string s(random() % (maxSize + 1), '\0');
-    for (char & c : s) c = static_cast<char>(letters.empty() ? random() : letters[random() % letters.size()]);
+    for (char & c : s) c = letters.empty() ? static_cast<char>(random()) : letters[random() % letters.size()];
     return s;
 }
 

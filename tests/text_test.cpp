@@ -112,7 +112,7 @@ TEST(StringBufferTest, AgreesWithAString) {
                 }
                 case 6: {
                     StringBuffer copy(buffer);
-                    copy = copy;
+                    copy = static_cast<StringBuffer const &>(copy);
                     buffer = StringBuffer("moved away"[0] == 'm' ? 3 : 0);
                     EXPECT_TRUE(buffer.empty());
                     buffer = copy;

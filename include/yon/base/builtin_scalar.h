@@ -16,6 +16,6 @@ concept BuiltinScalar = std::is_arithmetic_v<T> && std::same_as<T, std::remove_c
 
 /// Those that mean a character, not a number.
 template <class T>
-concept NarrowCharacter = std::same_as<T, char> || std::same_as<T, signed char> || std::same_as<T, unsigned char>;
+concept CharacterType = std::same_as<T, char> || std::same_as<T, signed char> || std::same_as<T, unsigned char>;
 
 }  // namespace yon::detail

@@ -31,9 +31,10 @@ public:
     /// Adds at the end; `s` may be a part of this buffer.
     Bytes & append(istr const & s) {
         ulong const n = s.size();
-        if (ulonglong{size_} + n > max_size_) return appendGrowing(s);
-        if (n != 0 && buffer_ != nullptr) std::memcpy(buffer_ + size_, s.data(), n);
-        size_ += n;
+        ulong const end = size_;
+        if (ulonglong{end} + n > max_size_) return appendGrowing(s);
+        size_ = end + n;
+        if (n != 0 && buffer_ != nullptr) std::memcpy(buffer_ + end, s.data(), n);
         return *this;
     }
     Bytes & operator+=(istr const & s) { return append(s); }
@@ -80,7 +81,7 @@ public:
 private:
     void alloc(ulong n);
     void free() noexcept;
-    Bytes & appendGrowing(istr const & s);
+    Bytes & appendGrowing(istr s);
     /// Moves to a larger block of at least `n` bytes: `kept` bytes of the content, and behind them `s`.
     void grow(ulong n, ulong kept, istr s);
 

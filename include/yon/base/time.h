@@ -12,6 +12,21 @@
 
 namespace yon {
 
+namespace detail {
+
+/// Rounds down and saturates.
+template <class Rep, class Period>
+constexpr longlong countMicroseconds(std::chrono::duration<Rep, Period> d) noexcept {
+    using Limits = std::numeric_limits<longlong>;
+    // `long double` holds every 64-bit count exactly.
+    std::chrono::duration<long double, std::micro> const exact = d;
+    if (exact.count() >= static_cast<long double>(Limits::max())) return Limits::max();
+    if (exact.count() <= static_cast<long double>(Limits::min())) return Limits::min();
+    return std::chrono::floor<std::chrono::duration<longlong, std::micro>>(d).count();
+}
+
+}  // namespace detail
+
 /// A signed 64-bit count of microseconds: as a moment since 1970-01-01 00:00 UTC, as an interval by itself. A plain
 /// value. Arithmetic and conversions saturate at the greatest and the least value instead of overflowing, so "for
 /// ever" stays for ever; divisions round down, before 1970 too. Converts from every duration and from the points of
@@ -21,7 +36,7 @@ public:
     constexpr Time() noexcept = default;
     constexpr explicit Time(longlong microseconds) noexcept : us_(microseconds) {}
     template <class Rep, class Period>
-    constexpr Time(std::chrono::duration<Rep, Period> d) noexcept : us_(count(d)) {}
+    constexpr Time(std::chrono::duration<Rep, Period> d) noexcept : us_(detail::countMicroseconds(d)) {}
     template <class Duration>
     constexpr Time(std::chrono::time_point<std::chrono::system_clock, Duration> t) noexcept
         : Time(t.time_since_epoch()) {}
@@ -75,14 +90,6 @@ private:
     static constexpr longlong product(longlong n, longlong factor) noexcept {
         longlong p = 0;
         return __builtin_mul_overflow(n, factor, &p) ? (n < 0 ? least : greatest) : p;
-    }
-    template <class Rep, class Period>
-    static constexpr longlong count(std::chrono::duration<Rep, Period> d) noexcept {
-        // `long double` holds every 64-bit count exactly.
-        std::chrono::duration<long double, std::micro> const exact = d;
-        if (exact.count() >= static_cast<long double>(greatest)) return greatest;
-        if (exact.count() <= static_cast<long double>(least)) return least;
-        return std::chrono::floor<std::chrono::duration<longlong, std::micro>>(d).count();
     }
 
     longlong us_ = 0;

@@ -9,6 +9,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "yon/base/builtin_scalar.h"
 #include "yon/base/bytes.h"
 #include "yon/base/leak_checker.h"
 #include "yon/base/scalars.h"
@@ -45,8 +46,7 @@ struct Pooled {
 
 /// The built-in scalars that a node stores and yields; not the character types of wide text.
 template <class T>
-concept Scalar = std::is_arithmetic_v<T> && std::same_as<T, std::remove_cv_t<T>> && !std::same_as<T, wchar_t> &&
-                 !std::same_as<T, long double> && !std::same_as<T, char8_t> && !std::same_as<T, char16_t> && !std::same_as<T, char32_t>;
+concept Scalar = yon::detail::BuiltinScalar<T>;
 
 /// An index by number, so that `at(0)` and `u[0]` never mean a null text.
 template <class T>

@@ -52,7 +52,7 @@ public:
     /// Adds a character as it is, a number as decimal text, as a stream of the classic locale writes it.
     template <detail::BuiltinScalar T>
     StringBuffer & append(T value) {
-        if constexpr (detail::NarrowCharacter<T>) {
+        if constexpr (detail::CharacterType<T>) {
             *extend(1) = static_cast<char>(value);
             return *this;
         } else if constexpr (std::is_floating_point_v<T>) {

@@ -68,7 +68,7 @@ Bytes & Bytes::assign(istr const & s) {
     return *this;
 }
 
-Bytes & Bytes::appendGrowing(istr const & s) {
+Bytes & Bytes::appendGrowing(istr s) {
     grow(sum(size_, s.size()), size_, s);
     return *this;
 }

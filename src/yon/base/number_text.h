@@ -14,15 +14,13 @@
 #include <limits>
 #include <type_traits>
 
+#include "yon/base/builtin_scalar.h"
 #include "yon/base/istr.h"
 
 namespace yon::detail {
 
 /// The room that `formatNumber` may use.
 inline constexpr std::size_t numberRoom = 32;
-
-template <class T>
-concept CharacterType = std::same_as<T, char> || std::same_as<T, signed char> || std::same_as<T, unsigned char>;
 
 inline char * formatReal(char * first, double value) noexcept {
     // Small whole numbers are the usual case and need no floating-point printing. A negative zero keeps its sign.
@@ -136,16 +134,15 @@ bool parseReal(char const * p, char const * end, T & value) noexcept {
 
 template <std::integral T>
 bool parsePlain(istr text, T & value) noexcept {
-    char const * p = text.begin();
-    char const * const end = text.end();
-    bool const negative = std::is_signed_v<T> && p != end && *p == '-';
-    p += negative;
-    char const * const first = p;
-    std::uint64_t number = 0;
-    for (unsigned digit; p != end && (digit = digitOf(*p)) < 10; ++p) number = number * 10 + digit;
-    constexpr std::ptrdiff_t safeDigits = std::numeric_limits<std::uint64_t>::digits10;
+    bool const negative = std::is_signed_v<T> && !text.empty() && text[0] == '-';
+    istr const digits = text.removeLeft(ulong{negative});
+    if (digits.empty() || !isDigit(digits[0])) return false;
+    std::uint64_t number = digitOf(digits[0]);
+    ulong n = 1;
+    for (unsigned digit; n < digits.size() && (digit = digitOf(digits[n])) < 10; ++n) number = number * 10 + digit;
+    constexpr ulong safeDigits = std::numeric_limits<std::uint64_t>::digits10;
     std::uint64_t const greatest = static_cast<std::uint64_t>(std::numeric_limits<T>::max()) + negative;
-    if (p == first || p - first > safeDigits || number > greatest) return false;
+    if (n > safeDigits || number > greatest) return false;
     value = static_cast<T>(negative ? 0 - number : number);
     return true;
 }

@@ -8,7 +8,7 @@ namespace yon {
 
 std::ostream & operator<<(std::ostream & os, show_version) {
     static constexpr char const * attribution[] = {
-        "zuvyon 1.5.8-01, built " __DATE__,
+        ("zuvyon 1.5.8-01, built " __DATE__),
         "A toolkit library: text, logging, threads, timers, pml and binary encodings.",
         "Free software under the MIT licence, without warranty of any kind.",
     };

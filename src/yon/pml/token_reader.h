@@ -58,11 +58,11 @@ public:
 
     /// Skips blanks; false at the end.
     bool skipBlanks() noexcept {
-        // Past the line end, indentation comes in blanks.
-        for (;; ++p_) {
-            p_ = blanksEnd(p_, end_);
-            if (p_ == end_ || !pmlLexer::IsBlankChar(*p_)) return p_ != end_;
+        while (p_ != end_ && pmlLexer::IsBlankChar(*p_)) {
+            // What follows a line end is indentation.
+            p_ = blanksEnd(p_ + 1, end_);
         }
+        return p_ != end_;
     }
     /// Takes characters that mean nothing to the lexer.
     void takePlain(String & out) {
