@@ -242,28 +242,24 @@ TEST(PmlTree, Paths) {
     Unit const root = parsed("r(a(b(c(1)))list(x(0)(1)(x(2)(3)))'a/b'(5))");
     Unit const * const c = root.at(0)->at(0)->at(0);
     Unit const * const list = root.at(1);
-    // By turns paths and those of the nodes that are found.
-    auto const finds = [](Unit const & from, std::initializer_list<char const *> paths) {
-        for (auto path = paths.begin(); path != paths.end(); path += 2) {
-            Unit const * const unit = from.find(*path);
-            EXPECT_EQ(unit != nullptr ? unit->path() : "none", path[1]) << *path;
+    // Rows of `path=where it leads`.
+    auto const finds = [](Unit const & from, char const * rows) {
+        std::istringstream in(rows);
+        for (std::string row; in >> row;) {
+            auto const end = row.find('=');
+            Unit const * const unit = from.find(istr(row.substr(0, end)));
+            EXPECT_EQ(unit != nullptr ? unit->path() : "none", row.substr(end + 1)) << row;
         }
     };
-    finds(root, {"",           "/",           "/",         "/",           ".",          "/",
-                 "..",         "none",        "a/b/c",     "/a/b/c",      "a/b/c/",     "/a/b/c",
-                 "a//b/c",     "/a/b/c",      "a/x",       "none",        "x/b",        "none",
-                 "'a/b'",      "none",        "[0][0][0]", "/a/b/c",      "list[2]/x",  "/list/[2]/x",
-                 "list/[2]/x", "/list/[2]/x", "list[2]x",  "/list/[2]/x", "list[2][1]", "/list/[2]/[1]"});
-    finds(root, {"a[x]", "none", "list[0", "none", "list[", "none", "list[]", "none", "list[-1]", "none", "list[1",
-                 "none", "list[4294967296]", "none", "list[99999999999999999999]", "none"});
-    finds(*c, {"",       "/a/b/c",      ".",
-               "/a/b/c", "/",           "/",
-               "..",     "/a/b",        "../..",
-               "/a",     "../../../..", "none",
-               "/a/b/c", "/a/b/c",      "/a/./b/../b/c",
-               "/a/b/c", "../c",        "/a/b/c",
-               "[0]",    "none"});
-    finds(*list, {"[0]", "/list/x", "[0]/..", "/list", "[1]x", "none", "[3]", "none", "[02]", "/list/[2]"});
+    finds(root,
+          "=/ /=/ .=/ ..=none a/b/c=/a/b/c a/b/c/=/a/b/c a//b/c=/a/b/c a/x=none x/b=none 'a/b'=none"
+          " [0][0][0]=/a/b/c list[2]/x=/list/[2]/x list/[2]/x=/list/[2]/x list[2]x=/list/[2]/x"
+          " list[2][1]=/list/[2]/[1] a[x]=none list[0=none list[=none list[]=none list[-1]=none list[1=none"
+          " list[4294967296]=none list[99999999999999999999]=none");
+    finds(*c,
+          "=/a/b/c .=/a/b/c /=/ ..=/a/b ../..=/a ../../..=/ ../../../..=none /a/b/c=/a/b/c"
+          " /a/./b/../b/c=/a/b/c ../c=/a/b/c [0]=none");
+    finds(*list, "[0]=/list/x [0]/..=/list [1]x=none [3]=none [02]=/list/[2]");
     EXPECT_EQ(root.path(), "/");
     EXPECT_EQ(c->root(), &root);
 
@@ -301,26 +297,14 @@ TEST(PmlTree, WrongPositionsAreLogged) {
 }
 
 TEST(PmlTree, Shapes) {
-    struct Row {
-        char const * text;
-        bool single;
-        bool unnamedList;
-    };
-    Row const rows[] = {{"a", true, false},
-                        {"a(1)", true, false},
-                        {"a(b(1))", true, false},
-                        {"a(b(c(d())))", true, false},
-                        {"a(b(1)c(2))", false, false},
-                        {"a(b(c(1)d(2)))", false, false},
-                        {"a(:t(1))", true, false},
-                        {"a(:t(1):t(2))", false, true},
-                        {"a(:t(1):u(x(1)))", false, true},
-                        {"a(:t(1)(2))", false, false},
-                        {"a(:t(1)x:t(2))", false, false}};
-    for (Row const & row : rows) {
-        Unit const u = parsed(row.text);
-        EXPECT_EQ(u.childWasSingle(), row.single) << row.text;
-        EXPECT_EQ(u.childrenWereUnnamedList(), row.unnamedList) << row.text;
+    for (char const * text : {"a", "a(1)", "a(b(1))", "a(b(c(d())))", "a(:t(1))"}) {
+        EXPECT_TRUE(parsed(text).childWasSingle() && !parsed(text).childrenWereUnnamedList()) << text;
+    }
+    for (char const * text : {"a(b(1)c(2))", "a(b(c(1)d(2)))", "a(:t(1)(2))", "a(:t(1)x:t(2))"}) {
+        EXPECT_FALSE(parsed(text).childWasSingle() || parsed(text).childrenWereUnnamedList()) << text;
+    }
+    for (char const * text : {"a(:t(1):t(2))", "a(:t(1):u(x(1)))"}) {
+        EXPECT_TRUE(!parsed(text).childWasSingle() && parsed(text).childrenWereUnnamedList()) << text;
     }
     EXPECT_TRUE(Unit("a", "", new ListValue).childWasSingle());
 }
