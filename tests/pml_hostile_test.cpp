@@ -93,16 +93,21 @@ TEST(PmlHostile, MillionOfEverything) {
         std::string text;
         bool whole;  ///< printed compactly it is the same text
     };
-    for (Row const & row :
-         {Row{"l(" + repeated("(1)", million) + ")", true}, Row{"l(" + repeated(":t(x)", million) + ")", true},
-          Row{"l(" + repeated("(* ", million), false}, Row{"l" + repeated("(* *)", million) + "(1)", false},
-          Row{repeated("a (* c *) ", million) + "(1)", false},
-          Row{"l(" + repeated("'a' \"b\" ", million) + ")", false},
-          Row{"l(" + repeated("'a'b", million) + ")", false}, Row{"l(" + repeated("\\'\\", million), false},
-          Row{"l(" + repeated("x" + std::string(50, ' '), 20000) + ")", false}, Row{"l(" + blanks + ")", false},
-          Row{"l(" + blanks + "x" + blanks + ")", false}, Row{"l('" + repeated("\\'", million) + "')", true},
-          Row{"l:" + repeated("t", million) + "(" + repeated("v", million) + ")", true},
-          Row{repeated("\n", million) + "l(1)", false}}) {
+    Row const rows[] = {{"l(" + repeated("(1)", million) + ")", true},
+                        {"l(" + repeated(":t(x)", million) + ")", true},
+                        {"l(" + repeated("(* ", million), false},
+                        {"l" + repeated("(* *)", million) + "(1)", false},
+                        {repeated("a (* c *) ", million) + "(1)", false},
+                        {"l(" + repeated("'a' \"b\" ", million) + ")", false},
+                        {"l(" + repeated("'a'b", million) + ")", false},
+                        {"l(" + repeated("\\'\\", million), false},
+                        {"l(" + repeated("x" + std::string(50, ' '), 20000) + ")", false},
+                        {"l(" + blanks + ")", false},
+                        {"l(" + blanks + "x" + blanks + ")", false},
+                        {"l('" + repeated("\\'", million) + "')", true},
+                        {"l:" + repeated("t", million) + "(" + repeated("v", million) + ")", true},
+                        {repeated("\n", million) + "l(1)", false}};
+    for (Row const & row : rows) {
         for (Outcome const & o : parseFromAll(row.text)) {
             String out;
             EXPECT_TRUE(ntvToCompactPml(*o.unit, out));

@@ -39,78 +39,62 @@ void expect(Row const & row, std::string const & error = "", bool valueOnly = fa
 }
 
 TEST(PmlParser, Nodes) {
-    for (Row const & row : {
-             Row{"port:int(8080)", "port:int=8080"},
-             Row{"server(host(alpha) port(80))", "server{host=alpha port=80}"},
-             Row{"hosts((a)(b))", "hosts{=a =b}"},
-             Row{"msg('a:b (c)')", "msg=a:b (c)"},
-             Row{"note('it\\'s')", "note=it's"},
-             Row{"a(* comment (* nested *) *)(1)", "a=1"},
-             Row{"empty()", "empty="},
-             Row{"", ""},
-             Row{" \t\r\n(* nothing (* at *) all *) ", ""},
-             Row{"a:int b(1)", "a:int b=1"},
-             Row{" a name ( some\n text )rest", "a name=some\n text", "rest"},
-             Row{"a:(1)", "a=1"},
-             Row{":t(1)", ":t=1"},
-             Row{"(1)(2)", "=1", "(2)"},
-             Row{"a(:t(1):u(x(1))y)", "a{:t=1 :u{x=1} y}", ")"},
-             Row{"a(1) b(2)", "a=1", " b(2)"},
-             Row{"a) b(2)", "a", ") b(2)"},
-             Row{")x", "", "x"},
-             Row{"r(x(a(1) b) y(2))", "r{x{a=1 b}}", " y(2))"},
-             Row{"r(b)", "r=b"},
-             Row{"r((1) b)", "r{=1 b}", ")"},
-             Row{"l(a()(* c *) b() (* d *) )", "l{a= b=}"},
-             Row{"l( (* first *) a(1))", "l{a=1}"},
-             // Quotes.
-             Row{"a('x' 'y')", "a=xy"},
-             Row{"a('x'\n\t\"y\")", "a=xy\""},
-             Row{"a('x' \"y\" 'z')", "a=xyz"},
-             Row{"a(\"it's\")", "a=it's"},
-             Row{"a(x'y(z)'w)", "a=x'y(z)'w"},
-             Row{"a(' x ')", "a= x "},
-             Row{"a('' )", "a="},
-             Row{"a('\\\\\\\"\\n')", "a=\\\"n"},
-             Row{"a(\\x\\)", "a=\\x\\"},
-             Row{"a('(*')", "a=(*"},
-             Row{"'a:b'(1)", "'a:b'=1"},
-             Row{"a:'t(' (1)", "a:'t('=1"},
-             Row{"a('x'y)", "a='x'y"},
-             // Comments within tokens.
-             Row{"a(* c *) b(1)", "ab=1"},
-             Row{"a (*c*)b(1 (*)*) 2)", "a b=1 2"},
-             Row{"(**)a(*(**)*)(1)", "a=1"},
-             Row{"a((*)*)(*)", "a="},
-             Row{"a(*)", "", ""},
-             Row{"a(* )(1)", "", ""},
-             Row{"a(b* )", "a=b*"},
-             // Bytes of any kind.
-             Row{"na\xC3\xA0 (\xE2\x82\xAC\xA0)", "na\xC3\xA0=\xE2\x82\xAC\xA0"},
-             Row{"a(1\r\n2 \r\n)\r\n", "a=1\r\n2", "\r\n"},
-             Row{std::string("a(x\0y)", 6), std::string("a=x\0y", 5)},
-             // Input that ends early.
-             Row{"abc", ""},
-             Row{"a(", "a="},
-             Row{"a(1", "a=1"},
-             Row{"a:t( 1 ", "a:t=1"},
-             Row{"a(b(1", "a{b=1}"},
-             Row{"a(b(1)", "a{b=1}"},
-             Row{"a(b(1)c", "a{b=1}"},
-             Row{"a('x", "a='x"},
-             Row{"a('x' ", "a=x"},
-             Row{"a('x\\", "a='x"},
-             Row{"a(1 (* c", "a=1"},
-             Row{"a(b(1) (* c", "a{b=1}"},
-         }) {
+    Row const rows[] = {{"port:int(8080)", "port:int=8080"},
+                        {"server(host(alpha) port(80))", "server{host=alpha port=80}"},
+                        {"hosts((a)(b))", "hosts{=a =b}"},
+                        {"msg('a:b (c)')", "msg=a:b (c)"},
+                        {"note('it\\'s')", "note=it's"},
+                        {"a(* comment (* nested *) *)(1)", "a=1"},
+                        {"empty()", "empty="},
+                        {"", ""},
+                        {" \t\r\n(* nothing (* at *) all *) ", ""},
+                        {"a:int b(1)", "a:int b=1"},
+                        {" a name ( some\n text )rest", "a name=some\n text", "rest"},
+                        {":t(1)", ":t=1"},
+                        {"a(:t(1):u(x(1))y)", "a{:t=1 :u{x=1} y}", ")"},
+                        {"a) b(2)", "a", ") b(2)"},
+                        {")x", "", "x"},
+                        {"r(x(a(1) b) y(2))", "r{x{a=1 b}}", " y(2))"},
+                        {"r(b)", "r=b"},
+                        {"r((1) b)", "r{=1 b}", ")"},
+                        {"l(a()(* c *) b() (* d *) )", "l{a= b=}"},
+                        // Quotes.
+                        {"a('x' 'y')", "a=xy"},
+                        {"a('x'\n\t\"y\")", "a=xy\""},
+                        {"a(x'y(z)'w)", "a=x'y(z)'w"},
+                        {"a(' x ')", "a= x "},
+                        {"a('\\\\\\\"\\n')", "a=\\\"n"},
+                        {"a(\\x\\)", "a=\\x\\"},
+                        {"'a:b'(1)", "'a:b'=1"},
+                        {"a:'t(' (1)", "a:'t('=1"},
+                        {"a('x'y)", "a='x'y"},
+                        // Comments within tokens.
+                        {"a(* c *) b(1)", "ab=1"},
+                        {"a (*c*)b(1 (*)*) 2)", "a b=1 2"},
+                        {"a((*)*)(*)", "a="},
+                        {"a(* )(1)", "", ""},
+                        // Bytes of any kind.
+                        {"na\xC3\xA0 (\xE2\x82\xAC\xA0)", "na\xC3\xA0=\xE2\x82\xAC\xA0"},
+                        {"a(1\r\n2 \r\n)\r\n", "a=1\r\n2", "\r\n"},
+                        {std::string("a(x\0y)", 6), std::string("a=x\0y", 5)},
+                        // Input that ends early.
+                        {"abc", ""},
+                        {"a(1", "a=1"},
+                        {"a:t( 1 ", "a:t=1"},
+                        {"a(b(1", "a{b=1}"},
+                        {"a('x", "a='x"},
+                        {"a('x' ", "a=x"},
+                        {"a(1 (* c", "a=1"}};
+    for (Row const & row : rows) {
         expect(row);
     }
 }
 
 TEST(PmlParser, Values) {
-    for (Row const & row : {Row{"plain", "=plain"}, Row{" two words ", "=two words"}, Row{"", "="},
-                            Row{"'a' 'b'", "=ab"}, Row{"a(1)b(2)", "{a=1 b=2}"}, Row{"(1)(2))x", "{=1 =2}", "x"},
-                            Row{"text)x", "=text", "x"}, Row{":t(1)", "{:t=1}"}, Row{"a:t(b(1))", "{a:t{b=1}}"}}) {
+    Row const rows[] = {{"plain", "=plain"},      {" two words ", "=two words"}, {"", "="},
+                        {"'a' 'b'", "=ab"},       {"a(1)b(2)", "{a=1 b=2}"},     {"(1)(2))x", "{=1 =2}", "x"},
+                        {"text)x", "=text", "x"}, {":t(1)", "{:t=1}"},           {"a:t(b(1))", "{a:t{b=1}}"}};
+    for (Row const & row : rows) {
         expect(row, "", true);
     }
     expect({"a:b", "{}"}, at(noType, 1, 3), true);
@@ -121,22 +105,19 @@ TEST(PmlParser, Errors) {
         Row row;
         std::string error;
     };
-    for (ErrorRow const & row : {
-             ErrorRow{{"a:int)", "a", ""}, at(noBegin, 1, 3)},
-             ErrorRow{{"a:", "a"}, at(noType, 1, 3)},
-             ErrorRow{{"a:int", "a"}, at(noType, 1, 3)},
-             ErrorRow{{"a : int : x(1)", "a", " x(1)"}, at(noBegin, 1, 5)},
-             ErrorRow{{"a(b:c)", "a{}"}, at(noBegin, 1, 5)},
-             ErrorRow{{"a(\n  b(1)\n  c:d)", "a{b=1}"}, at(noBegin, 3, 5)},
-             ErrorRow{{"a(\r\n  b:(* c *)  t)", "a{}"}, at(noBegin, 2, 14)},
-             ErrorRow{{"a(b:'x\ny')", "a{}"}, at(noBegin, 1, 5)},
-             ErrorRow{{"a(b:)", "a{}"}, at(noBegin, 1, 5)},
-             ErrorRow{{"a(x(1)x(2)y(3))", "a{x=1}", "y(3))"}, at(duplicated, 1, 7)},
-             ErrorRow{{"a(x(1)\n y( z(1)\nz ) y(2))", "a{x=1}", "(2))"}, at(duplicated, 3, 1)},
-             ErrorRow{{"a((1)(2)[1](3))", "a{=1 =2}", ")"}, at(duplicated, 1, 9)},
-             ErrorRow{{"a((1)[2](2)(3))", "a{=1 [2]=2}", ")"}, at(duplicated, 1, 12)},
-             ErrorRow{{"a(b(1)b)", "a{b=1}", ")"}, at(duplicated, 1, 7)},
-         }) {
+    ErrorRow const rows[] = {{{"a:int)", "a", ""}, at(noBegin, 1, 3)},
+                             {{"a:int", "a"}, at(noType, 1, 3)},
+                             {{"a : int : x(1)", "a", " x(1)"}, at(noBegin, 1, 5)},
+                             {{"a(b:c)", "a{}"}, at(noBegin, 1, 5)},
+                             {{"a(\n  b(1)\n  c:d)", "a{b=1}"}, at(noBegin, 3, 5)},
+                             {{"a(\r\n  b:(* c *)  t)", "a{}"}, at(noBegin, 2, 14)},
+                             {{"a(b:'x\ny')", "a{}"}, at(noBegin, 1, 5)},
+                             {{"a(x(1)x(2)y(3))", "a{x=1}", "y(3))"}, at(duplicated, 1, 7)},
+                             {{"a(x(1)\n y( z(1)\nz ) y(2))", "a{x=1}", "(2))"}, at(duplicated, 3, 1)},
+                             {{"a((1)(2)[1](3))", "a{=1 =2}", ")"}, at(duplicated, 1, 9)},
+                             {{"a((1)[2](2)(3))", "a{=1 [2]=2}", ")"}, at(duplicated, 1, 12)},
+                             {{"a(b(1)b)", "a{b=1}", ")"}, at(duplicated, 1, 7)}};
+    for (ErrorRow const & row : rows) {
         SCOPED_TRACE(row.row.text);
         for (Outcome const & o : parseFromAll(row.row.text)) {
             EXPECT_EQ(o.error, row.error) << o.source;
@@ -377,10 +358,14 @@ TEST(PmlParser, Tokens) {
         EXPECT_FALSE(lexer.getToken(token, flag)) << row.text;
         EXPECT_EQ(token, row.left) << row.text;
     };
-    for (TokensOf const & row :
-         {TokensOf{"a : b ( c ) ", {{"a", 0}, {"b", 1}, {"c", 2}}}, TokensOf{"a(* c *) b x", {}, "ab x"},
-          TokensOf{"'a ' 'b' c)\\(", {{"'a b'c", 2}, {"\\", 1}}}, TokensOf{"::", {{"", 0}, {"", 0}}},
-          TokensOf{"x 'un\\)", {}, "x 'un)"}, TokensOf{"", {}}, TokensOf{"(()", {{"", 1}, {"", 1}, {"", 2}}}}) {
+    TokensOf const rows[] = {{"a : b ( c ) ", {{"a", 0}, {"b", 1}, {"c", 2}}},
+                             {"a(* c *) b x", {}, "ab x"},
+                             {"'a ' 'b' c)\\(", {{"'a b'c", 2}, {"\\", 1}}},
+                             {"::", {{"", 0}, {"", 0}}},
+                             {"x 'un\\)", {}, "x 'un)"},
+                             {"", {}},
+                             {"(()", {{"", 1}, {"", 1}, {"", 2}}}};
+    for (TokensOf const & row : rows) {
         char const * text = row.text;
         pmlLexerLpctstr inMemory(text);
         check(row, inMemory);
@@ -453,8 +438,9 @@ TEST(PmlParser, StreamsAreReadToTheEndOfTheNode) {
         char const * text;
         std::string error;
     };
-    for (Failing const & row : {Failing{"", at(noName, 1, 1)}, Failing{"a", at(noName, 1, 1)},
-                                Failing{"r(x(1)\n", at(noName, 2, 1)}, Failing{"a:", at(noType, 1, 3)}}) {
+    Failing const failing[] = {
+        {"", at(noName, 1, 1)}, {"a", at(noName, 1, 1)}, {"r(x(1)\n", at(noName, 2, 1)}, {"a:", at(noType, 1, 3)}};
+    for (Failing const & row : failing) {
         SlowBuffer broken(row.text, true);
         std::istream from(&broken);
         try {

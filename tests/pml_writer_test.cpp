@@ -130,16 +130,17 @@ TEST(PmlWriter, Layouts) {
         char const * simple;
         char const * mixed;
     };
-    for (Row const & row :
-         {Row{"server(host(alpha) ports((80)(81)))", "server(host(alpha)ports((80)(81)))",
-              "server(\n    host(alpha)\n    ports(\n        (80)\n        (81)\n    )\n)",
-              "server(host(alpha)ports((80)(81)))"},
-          Row{"a(b(1)c(2))", "a(b(1)c(2))", "a(\n    b(1)\n    c(2)\n)", "a(b(1)c(2))"},
-          Row{"a:t ( b ( c : u ( '1:' ) ) )", "a:t(b(c:u('1:')))", "a:t(b(c:u('1:')))", "a:t(b(c:u('1:')))"},
-          Row{"a(:t(1):u(2))", "a(:t(1):u(2))", "a(\n    :t(1)\n    :u(2)\n)", "a(\n        :t(1)\n        :u(2)\n)"},
-          Row{"a(b(:t(1):t(2))c((3):t(4)))", "a(b(:t(1):t(2))c((3):t(4)))",
-              "a(\n    b(\n        :t(1)\n        :t(2)\n    )\n    c(\n        (3)\n        :t(4)\n    )\n)",
-              "a(b(\n        :t(1)\n        :t(2)\n)c((3)\n:t(4)))"}}) {
+    Row const rows[] = {
+        {"server(host(alpha) ports((80)(81)))", "server(host(alpha)ports((80)(81)))",
+         "server(\n    host(alpha)\n    ports(\n        (80)\n        (81)\n    )\n)",
+         "server(host(alpha)ports((80)(81)))"},
+        {"a(b(1)c(2))", "a(b(1)c(2))", "a(\n    b(1)\n    c(2)\n)", "a(b(1)c(2))"},
+        {"a:t ( b ( c : u ( '1:' ) ) )", "a:t(b(c:u('1:')))", "a:t(b(c:u('1:')))", "a:t(b(c:u('1:')))"},
+        {"a(:t(1):u(2))", "a(:t(1):u(2))", "a(\n    :t(1)\n    :u(2)\n)", "a(\n        :t(1)\n        :u(2)\n)"},
+        {"a(b(:t(1):t(2))c((3):t(4)))", "a(b(:t(1):t(2))c((3):t(4)))",
+         "a(\n    b(\n        :t(1)\n        :t(2)\n    )\n    c(\n        (3)\n        :t(4)\n    )\n)",
+         "a(b(\n        :t(1)\n        :t(2)\n)c((3)\n:t(4)))"}};
+    for (Row const & row : rows) {
         Unit unit;
         ASSERT_TRUE(ntvFromPml(unit, istr(row.tree)));
         EXPECT_EQ(printed(unit, ShowMode::COMPACT), row.compact);
