@@ -20,9 +20,11 @@ YON_FIRST String const Unit::path_index_right("]");
 #undef YON_FIRST
 
 Unit * Unit::at(istr step) const {
-    if (step.empty() || step == path_me) return const_cast<Unit *>(this);
-    if (step == path_root) return root();
-    if (step == path_parent) return parent_;
+    if (step.size() <= path_parent.size()) {
+        if (step.empty() || step == path_me) return const_cast<Unit *>(this);
+        if (step == path_root) return root();
+        if (step == path_parent) return parent_;
+    }
     ListValue const * const list = listValue();
     return list != nullptr ? list->find(step) : nullptr;
 }
