@@ -8,6 +8,7 @@
 
 #include "yon/base/system.h"
 #include "yon/base/throw.h"
+#include "yon/mt/threadexception.h"
 
 namespace app {
 namespace {
@@ -200,6 +201,24 @@ TEST(Exception, IsKeptAndRaisedAgainAsItself) {
     std::unique_ptr<Exception> const handle(NullHandleException("f", 1, "g").yon_clone());
     EXPECT_STREQ(handle->what(), "yon::NullHandleException");
     EXPECT_THROW(handle->yon_throw(), NullHandleException);
+}
+
+TEST(Exception, OfASystemCallKeepsItsErrorWhenItIsRaisedAgain) {
+    yon::ThreadSyscallException const first("a.cpp", 1, "f", 2);
+    std::unique_ptr<yon::Exception> const clone(first.yon_clone());
+    try {
+        clone->yon_throw();
+    } catch (yon::ThreadSyscallException const & e) {
+        EXPECT_EQ(e.error(), 2);
+        EXPECT_EQ(e.yon_name(), "yon::ThreadSyscallException");
+        EXPECT_FALSE(e.errorText().empty());
+        std::ostringstream text;
+        text << static_cast<yon::Exception const &>(e);
+        EXPECT_NE(text.str().find("}\n:\nthread syscall exception: "), std::string::npos);
+    }
+    std::ostringstream plain;
+    plain << yon::ThreadSyscallException("a.cpp", 1, "f", 0);
+    EXPECT_EQ(plain.str().find("syscall exception"), std::string::npos);
 }
 
 TEST(Throw, SpellsTheClassAndTellsTheLog) {

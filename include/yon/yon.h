@@ -36,6 +36,7 @@
 #include "yon/log/dumper.h"
 #include "yon/log/dumper_stl.h"
 #include "yon/log/hexdump.h"
+#include "yon/mt/threadexception.h"
 #include "yon/pml/file.h"
 #include "yon/pml/ntv.h"
 #include "yon/pml/pml_lexer.h"

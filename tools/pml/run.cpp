@@ -59,9 +59,10 @@ public:
 
     int run(std::vector<std::string> arguments) {
         try {
+            protectFileNames(arguments);
             std::reverse(arguments.begin(), arguments.end());
             app_.parse(std::move(arguments));
-            return command_();
+            return status_;
         } catch (CLI::CallForHelp const &) {
             console_.out << help();
             return ok;
@@ -76,6 +77,14 @@ public:
     }
 
 private:
+    /// Where many values are taken, the parser takes "[a,b]" for a list of them.
+    static void protectFileNames(std::vector<std::string> & arguments) {
+        if (arguments.empty() || (arguments[0] != "fmt" && arguments[0] != "check")) return;
+        for (std::string & argument : arguments) {
+            if (argument.starts_with('[') && argument.ends_with(']')) argument.insert(0, "./");
+        }
+    }
+
     CLI::App * add(char const * name, std::string const & text, std::string const & details = {}) {
         CLI::App * const command = app_.add_subcommand(name, text);
         command->footer(details + statuses);
@@ -84,8 +93,7 @@ private:
 
     template <class Arguments>
     void then(CLI::App * command, int (*function)(Arguments const &, Console &), Arguments const & arguments) {
-        command->callback(
-            [this, function, &arguments] { command_ = [&, function] { return function(arguments, console_); }; });
+        command->callback([this, function, &arguments] { status_ = function(arguments, console_); });
     }
 
     void addFormat() {
@@ -179,7 +187,7 @@ private:
 
     Console & console_;
     CLI::App app_;
-    std::function<int()> command_;
+    int status_ = ok;
     FormatArguments format_;
     CheckArguments check_;
     NodeArguments get_;

@@ -45,7 +45,9 @@ private:
 /// `UTFConversionException`.
 YON_API AutoPtr<char> to_str(char const * s);
 YON_API AutoPtr<char> to_str(wchar const * s);
+inline AutoPtr<char> to_str(std::nullptr_t) noexcept { return nullptr; }
 YON_API AutoPtr<wchar> to_wstr(char const * s);
 YON_API AutoPtr<wchar> to_wstr(wchar const * s);
+inline AutoPtr<wchar> to_wstr(std::nullptr_t) noexcept { return nullptr; }
 
 }  // namespace yon

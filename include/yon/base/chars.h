@@ -28,6 +28,7 @@ inline ulong StrLen(wchar const * s, ulong n = npos) noexcept {
     if (s == nullptr) return 0;
     return n != npos ? n : toLength(std::char_traits<wchar>::length(s));
 }
+inline ulong StrLen(std::nullptr_t, ulong = npos) noexcept { return 0; }
 /// The length of `s`, at most `max`; never reads past `max` characters.
 inline ulong StrLenN(char const * s, ulong max) noexcept {
     return s == nullptr ? 0 : static_cast<ulong>(::strnlen(s, max));
@@ -35,6 +36,7 @@ inline ulong StrLenN(char const * s, ulong max) noexcept {
 
 /// The pointer itself, or the literal "<null>".
 inline char const * SafeStr(char const * s) noexcept { return s != nullptr ? s : "<null>"; }
+inline char const * SafeStr(std::nullptr_t) noexcept { return "<null>"; }
 inline unsigned char const * SafeStr(unsigned char const * s) noexcept {
     return s != nullptr ? s : reinterpret_cast<unsigned char const *>("<null>");
 }

@@ -42,9 +42,9 @@ private:
     mutable String prefix_;
 };
 
-/// Writes "func(file:line)", the file without its directory. Behind a prefix the text folds at column 119: what
-/// does not fit is right-aligned on a second line of 118 columns, and if it is too long for that its beginning is
-/// lost.
+/// Writes "func(file:line)", of the file what follows its last backslash. Behind a prefix the text folds at column
+/// 119: what does not fit is right-aligned on a second line of 118 columns, and if it is too long for that its
+/// beginning is lost.
 YON_API std::ostream & operator<<(std::ostream & os, Current const & where);
 
 }  // namespace yon

@@ -72,6 +72,20 @@ struct YON_API DuplicatedUnitException : public ExceptionBase {
     using ExceptionBase::ExceptionBase;
 };
 
+/// Bytes that no binary stream can have written.
+struct YON_API BinaryDecodeException : public ExceptionBase {
+    using ExceptionBase::ExceptionBase;
+};
+
+namespace nbr {
+
+/// Bytes that are no nbr value.
+struct YON_API DecodeException : public ExceptionBase {
+    using ExceptionBase::ExceptionBase;
+};
+
+}  // namespace nbr
+
 /// What a class derived from `Exception` declares in its public part to be kept and raised again with its own type.
 /// In the source file YON_EXCEPTION_DEFINE(X, "yon::X") defines it.
 #define YON_EXCEPTION_DECLARE                      \

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <array>
+#include <concepts>
 #include <cstring>
+#include <type_traits>
 
 #include "yon/base/config.h"
 #include "yon/base/types.h"
@@ -60,6 +62,12 @@ constexpr octets<sizeof(unsigned long)> hton(unsigned long v) noexcept {
     return detail::toOctets<sizeof(unsigned long)>(v);
 }
 constexpr octets<8> hton(unsigned long long v) noexcept { return detail::toOctets<8>(v); }
+
+/// Of signed integers the bits count.
+template <std::signed_integral T>
+constexpr auto hton(T v) noexcept {
+    return hton(static_cast<std::make_unsigned_t<T>>(v));
+}
 
 constexpr unsigned short ntoh(octets<2> const & o) noexcept { return detail::fromOctets<unsigned short>(o); }
 constexpr ulong ntoh(octets<4> const & o) noexcept { return detail::fromOctets<ulong>(o); }

@@ -59,6 +59,7 @@ public:
     constexpr ostr() noexcept = default;
     constexpr ostr(char * buffer, ulong max) noexcept : room_base(buffer, max) {}
     ostr(unsigned char * buffer, ulong max) noexcept : room_base(reinterpret_cast<char *>(buffer), max) {}
+    constexpr ostr(std::nullptr_t, ulong max) noexcept : room_base(nullptr, max) {}
     ostr(ostr const &) noexcept = default;
     ostr & operator=(ostr const &) noexcept = default;
     ostr & assign(ostr const & s) noexcept { return *this = s; }
@@ -84,7 +85,9 @@ public:
     ostr & assign(istr const & s) noexcept { return assign(s.data(), s.size()); }
     ostr & assign(char const * s) noexcept { return assign(s, StrLen(s)); }
     ostr & assign(unsigned char const * s) noexcept { return assign(reinterpret_cast<char const *>(s)); }
+    ostr & assign(std::nullptr_t) noexcept { return clear(); }
     ostr & operator=(istr const & s) noexcept { return assign(s); }
+    ostr & operator=(std::nullptr_t) noexcept { return clear(); }
     ostr & operator=(char const * s) noexcept { return assign(s); }
     ostr & operator=(unsigned char const * s) noexcept { return assign(s); }
 

@@ -59,7 +59,7 @@ public:
     Self & operator=(C *) = delete;
 
     constexpr operator V &() & noexcept { return value_; }
-    constexpr operator V() const noexcept { return value_; }
+    constexpr operator V const &() const noexcept { return value_; }
     constexpr V & value() noexcept { return value_; }
     constexpr V const & value() const noexcept { return value_; }
 
@@ -98,6 +98,9 @@ public:
             return os << (value_ ? "true" : "false");
         } else if constexpr (sizeof(V) == 1) {
             return Print(os, static_cast<char>(value_));
+        } else if constexpr (std::integral<V>) {
+            // Decimal, whatever base the stream is set to.
+            return os << toString();
         } else {
             return os << value_;
         }
@@ -150,7 +153,8 @@ template <class T>
 concept ScalarWrapper = requires {
     typename T::value_type;
     typename T::parsed_type;
-} && std::derived_from<T, detail::scalar<T, typename T::value_type, typename T::parsed_type>>;
+}
+&&std::derived_from<T, detail::scalar<T, typename T::value_type, typename T::parsed_type>>;
 
 /// A truth value; parsed and printed as a number. Dumps as "true" or "false".
 class Bit : public detail::scalar<Bit, bool, short> {

@@ -53,6 +53,7 @@ public:
     String & operator+=(istr const & s) { return add(s); }
     String & operator+=(char const * s) { return add(istr(s)); }
     String & operator+=(unsigned char const * s) { return add(istr(s)); }
+    String & operator+=(std::nullptr_t) noexcept { return *this; }
     String & operator+=(char c) {
         push_back(c);
         return *this;

@@ -120,6 +120,7 @@ public:
     dumper & dump(dumper & other) const;
 
     dumper & operator<<(dumper & (*manipulator)(dumper &)) { return manipulator(*this); }
+    dumper & operator<<(std::nullptr_t) { return write(nullptr); }
     template <detail::DumpManipulator M>
     dumper & operator<<(M const & manipulator) {
         return manipulator(*this);
@@ -174,6 +175,7 @@ public:
         *os_ << static_cast<void const *>(pointer);
         return *this;
     }
+    dumper & write(std::nullptr_t) { return write(static_cast<void const *>(nullptr)); }
     template <detail::PrintableAsSuch T>
     dumper & write(T const & value) {
         *os_ << value;

@@ -293,8 +293,7 @@ public:
     template <detail::Scalar T>
     Unit & operator<<(T value);
     template <class W>
-        requires ScalarWrapper<W>
-    Unit & operator<<(W const & value);
+    requires ScalarWrapper<W> Unit & operator<<(W const & value);
     Unit & operator<<(istr text) { return setValue(text); }
     Unit & operator<<(iwstr text);
     Unit & operator<<(Bytes const & bytes);
@@ -307,7 +306,7 @@ public:
     template <detail::Scalar T>
     bool operator>>(T volatile & value) const;
     template <class W>
-        requires ScalarWrapper<W>
+    requires ScalarWrapper<W>
     bool operator>>(W & value) const;
     bool operator>>(String & text) const;
     bool operator>>(std::string & text) const;
@@ -373,8 +372,7 @@ Unit & Unit::operator<<(T value) {
 }
 
 template <class W>
-    requires ScalarWrapper<W>
-Unit & Unit::operator<<(W const & value) {
+requires ScalarWrapper<W> Unit & Unit::operator<<(W const & value) {
     if constexpr (sizeof(value.value()) == 1) {
         return *this << static_cast<int>(value.value());
     } else {
@@ -399,7 +397,7 @@ bool Unit::operator>>(T volatile & value) const {
 }
 
 template <class W>
-    requires ScalarWrapper<W>
+requires ScalarWrapper<W>
 bool Unit::operator>>(W & value) const {
     typename W::parsed_type parsed{};
     if (!extract(parsed)) return false;

@@ -44,8 +44,8 @@ public:
     /// the input ends first; what was read so far is in `token` then.
     bool getToken(String & token, TokenFlag & flag);
 
-    /// White space. Bytes from 80 hex up never are, whatever the locale says: they may be parts of letters, and a text
-    /// must not lose its end to a locale that takes one of them for a blank.
+    /// White space. Bytes from 80 hex up never are, whatever the locale says: they may be parts of letters, and a
+    /// text must not lose its end to a locale that takes one of them for a blank.
     static bool IsBlankChar(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
 };
 

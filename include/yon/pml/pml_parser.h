@@ -14,7 +14,8 @@ namespace yon::pml {
 ///
 /// Errors of the grammar, and names that stand twice in a list, are `std::invalid_argument` with a fixed text and the
 /// place of the offending token: "get type token at line 3, column 7". Lines count from 1 by line feeds, columns from
-/// 1 by bytes. What was complete by then stays in the node. Input that ends early is no error: the text so far counts.
+/// 1 by bytes. What was complete by then stays in the node. Input that ends early is no error: the text so far
+/// counts.
 class YON_API pmlParserBase {
 public:
     enum PasingState { PasingName, PasingType, PasingValue };
@@ -48,7 +49,9 @@ public:
 
 /// What can be parsed: a stream, a C string (as an lvalue, which is advanced), a view, a `File`.
 template <class S>
-concept PmlSource = requires(pmlParserBase & parser, S && source) { parser.doParser(source); };
+concept PmlSource = requires(pmlParserBase & parser, S && source) {
+    parser.doParser(source);
+};
 
 /// Clear the node and parse one node into it.
 template <PmlSource S>
@@ -77,8 +80,8 @@ ntv::ValueBase * newNtvValue(S && source) {
     return ntvFromValueString(unit, source) ? unit.popValue() : nullptr;
 }
 
-/// Takes the quotes off a value token: at both ends where they are equal, at the front alone where pieces of different
-/// quotes were joined.
+/// Takes the quotes off a value token: at both ends where they are equal, at the front alone where pieces of
+/// different quotes were joined.
 YON_API void unescapeString(String & token);
 
 }  // namespace yon::pml

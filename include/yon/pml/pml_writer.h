@@ -16,7 +16,9 @@ YON_API bool ntvToPml(Unit const & unit, File const & out, ShowMode mode, ShowPa
 
 /// What can be printed to: a stream, a `String`, a `File`.
 template <class T>
-concept PmlTarget = requires(Unit const & unit, T && out) { ntvToPml(unit, out, ShowMode(1), ShowPattern()); };
+concept PmlTarget = requires(Unit const & unit, T && out) {
+    ntvToPml(unit, out, ShowMode(1), ShowPattern());
+};
 
 template <PmlTarget T>
 bool ntvToCompactPml(Unit const & unit, T && out, ShowPattern pattern = {}) {

@@ -105,8 +105,6 @@ private:
     StringBuffer & appendNumber(double value);
     /// Makes room for `n` more bytes.
     void grow(ulong n);
-    /// The same, and leaves the old block to the caller.
-    char * newBlock(ulong n);
 
     char * data_ = nullptr;
     ulong size_ = 0;

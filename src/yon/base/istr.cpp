@@ -4,7 +4,7 @@
 
 namespace yon {
 
-std::ostream & istr::dump(std::ostream & os) const { return os << size() << ", " << *this; }
+std::ostream & istr::dump(std::ostream & os) const { return os << std::to_string(size()) << ", " << *this; }
 
 std::ostream & operator<<(std::ostream & os, istr const & s) {
     if (s.empty()) return os;

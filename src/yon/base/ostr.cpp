@@ -20,7 +20,7 @@ ostr & ostr::assign(char const * s, ulong n) noexcept {
 }
 
 std::ostream & ostr::dump(std::ostream & os) const {
-    return os << sizeN() << '/' << max_size_ << ", " << istr(buffer_, sizeN());
+    return os << std::to_string(sizeN()) << '/' << std::to_string(max_size_) << ", " << istr(buffer_, sizeN());
 }
 
 Str & Str::copy(istr const & s) noexcept {

@@ -9,7 +9,7 @@ namespace yon {
 std::ostream & operator<<(std::ostream & os, show_version) {
     static constexpr char const * attribution[] = {
         ("zuvyon 1.5.8-01, built " __DATE__),
-        "A toolkit library: text, logging, threads, timers, pml and binary encodings.",
+        "A toolkit library for applications on Windows and Linux.",
         "Free software under the MIT licence, without warranty of any kind.",
     };
     // Fixed texts, the same on every target.

@@ -56,13 +56,16 @@ std::string errnoText(int code);
 /// The system's own text for one of its error codes, on one line; empty when it has none. Leaves the last error.
 std::string systemText(int code);
 
+/// The text for an error that a failed call of the operating system has given; empty when there is none.
+std::string failureText(int code);
+
 // --- files ---
 
 /// The file that a name means in the end, when it is a symbolic link; otherwise, or when that fails, the name.
 std::string linkTarget(std::string const & name);
 
-/// Makes a file that must not exist yet, with the permissions and, where possible, the owner of a regular file that may
-/// be written. Opens it for writing in binary form; the caller closes it.
+/// Makes a file that must not exist yet, with the permissions and, where possible, the owner of a regular file that
+/// may be written. Opens it for writing in binary form; the caller closes it.
 std::error_code createLike(std::string const & name, std::string const & model, std::FILE *& file);
 
 /// Writes everything out, down to the disk.

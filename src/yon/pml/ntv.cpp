@@ -388,9 +388,9 @@ void Access::copyList(Unit & to, ListValue const & from) {
 
 void Access::destroy(ListValue::Children & units) noexcept {
     Slab & slab = Slab::local();
-    // From the last node to the first, against the order in which a parser makes them: so the pool hands the blocks out
-    // in their old order again, and the next tree lies as well in memory. The way back up stands in the parents: no
-    // recursion, and no memory that could run out.
+    // From the last node to the first, against the order in which a parser makes them: so the pool hands the blocks
+    // out in their old order again, and the next tree lies as well in memory. The way back up stands in the parents:
+    // no recursion, and no memory that could run out.
     Unit * above = nullptr;
     ListValue::Children * list = &units;
     for (;;) {

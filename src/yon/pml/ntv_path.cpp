@@ -60,7 +60,8 @@ Unit * Unit::find(istr path) const {
             unit = unit->at(step, p);
             ulong i = 0;
             auto const number = std::from_chars(p + 1, end, i);
-            if (unit == nullptr || number.ec != std::errc() || number.ptr == end || *number.ptr != ']') return nullptr;
+            if (unit == nullptr || number.ec != std::errc() || number.ptr == end || *number.ptr != ']')
+                return nullptr;
             unit = unit->child(i);
             step = p = number.ptr + 1;
         } else {

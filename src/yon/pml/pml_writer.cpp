@@ -79,8 +79,8 @@ private:
     struct OpenList {
         ListValue const * children;
         std::size_t next = 0;
-        ulong depth;       ///< of the node that holds the list
-        ulong childDepth;  ///< of the children
+        ulong depth;             ///< of the node that holds the list
+        ulong childDepth;        ///< of the children
         std::size_t pathLength;  ///< of the node's path
         bool compact;
         bool broken;  ///< in MIXED: each element stands on its own line

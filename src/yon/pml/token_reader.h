@@ -27,7 +27,8 @@ inline istr trimmedRight(istr text) noexcept {
 
 inline bool isQuote(char c) noexcept { return c == '\'' || c == '"'; }
 
-/// A value token without its quotes: both of a pair, only the opening one where pieces of different quotes were joined.
+/// A value token without its quotes: both of a pair, only the opening one where pieces of different quotes were
+/// joined.
 inline istr unquoted(istr token) noexcept {
     if (token.size() < 2 || !isQuote(token[0])) return token;
     char const last = token[token.size() - 1];
@@ -199,8 +200,8 @@ bool skipComment(Source & in) {
     return false;
 }
 
-/// Reads quoted text whose opening quote was taken, and the quoted pieces that follow it, into one text with its first
-/// opening and its last closing quote. False when the input ends first.
+/// Reads quoted text whose opening quote was taken, and the quoted pieces that follow it, into one text with its
+/// first opening and its last closing quote. False when the input ends first.
 template <class Source>
 bool readQuoted(Source & in, char quote, String & out) {
     out += quote;

@@ -1,5 +1,8 @@
 #include "yon/string/string_buffer.h"
 
+#include <cstdlib>
+#include <functional>
+#include <new>
 #include <stdexcept>
 
 #include "yon/base/here.h"
@@ -14,11 +17,6 @@ namespace {
 
 constexpr ulong leastCapacity = 64;
 
-void release(char * block) noexcept {
-    MemLeakChecker::pop(block);
-    delete[] block;
-}
-
 template <class T>
 StringBuffer & appendText(StringBuffer & buffer, T value) {
     char room[detail::numberRoom];
@@ -27,14 +25,17 @@ StringBuffer & appendText(StringBuffer & buffer, T value) {
 
 }  // namespace
 
-StringBuffer::~StringBuffer() { release(data_); }
+StringBuffer::~StringBuffer() {
+    MemLeakChecker::pop(data_);
+    std::free(data_);
+}
 
 StringBuffer & StringBuffer::appendGrowing(istr const & s) {
-    // The old block goes last: `s` may lie in it.
-    char * const old = newBlock(s.size());
-    append(s);
-    release(old);
-    return *this;
+    // `s` may lie in the block, which may move.
+    bool const inside = std::less_equal<>()(data_, s.data()) && std::less<>()(s.data(), data_ + size_);
+    std::ptrdiff_t const offset = inside ? s.data() - data_ : 0;
+    grow(s.size());
+    return append(inside ? istr(data_ + offset, s.size()) : s);
 }
 
 StringBuffer & StringBuffer::appendWide(iwstr const & s) { return append(wstringToAnsi(s)); }
@@ -42,18 +43,20 @@ StringBuffer & StringBuffer::appendNumber(longlong value) { return appendText(*t
 StringBuffer & StringBuffer::appendNumber(ulonglong value) { return appendText(*this, value); }
 StringBuffer & StringBuffer::appendNumber(double value) { return appendText(*this, value); }
 
-void StringBuffer::grow(ulong n) { release(newBlock(n)); }
-
-char * StringBuffer::newBlock(ulong n) {
+void StringBuffer::grow(ulong n) {
     if (n > npos - size_) throw std::length_error("yon::StringBuffer: longer than 32 bits can count");
     ulong const doubled = capacity_ > npos / 2 ? npos : 2 * capacity_;
     ulong const capacity = std::max({size_ + n, doubled, leastCapacity});
-    char * const block = new char[capacity];
     diagnostics::Location const here = YON_HERE;
-    MemLeakChecker::push(block, here.file, here.line, here.func, capacity);
-    if (size_ != 0) std::memcpy(block, data_, size_);
-    capacity_ = capacity;
-    return std::exchange(data_, block);
+    // Forgotten first: as soon as it is free, another thread may get and register the old address.
+    MemLeakChecker::pop(data_);
+    void * const block = std::realloc(data_, capacity);
+    if (block != nullptr) {
+        data_ = static_cast<char *>(block);
+        capacity_ = capacity;
+    }
+    MemLeakChecker::push(data_, here.file, here.line, here.func, capacity_);
+    if (block == nullptr) throw std::bad_alloc();
 }
 
 dumper & StringBuffer::dump(dumper & d) const {

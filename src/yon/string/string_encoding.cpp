@@ -46,7 +46,7 @@ String & String::utf8ToAnsi(istr const & s) { return *this = yon::utf8ToAnsi(s);
 
 void String::ansiToUtf8(Bytes & out) const { yon::ansiToUtf8(*this, out); }
 
-std::ostream & iwstr::dump(std::ostream & os) const { return os << size() << ", " << *this; }
+std::ostream & iwstr::dump(std::ostream & os) const { return os << std::to_string(size()) << ", " << *this; }
 
 std::ostream & operator<<(std::ostream & os, iwstr const & s) { return os << istr(wstringToAnsi(s)); }
 

@@ -14,4 +14,9 @@ std::string errnoText(int code) {
 // The codes of the system are those of the C library, which was asked before.
 std::string systemText(int) { return {}; }
 
+std::string failureText(int code) {
+    char const * const text = ::strerrordesc_np(code);
+    return text != nullptr ? text : "";
+}
+
 }  // namespace yon::platform

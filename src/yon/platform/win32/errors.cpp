@@ -25,4 +25,6 @@ std::string systemText(int code) {
     return std::string(buffer, size);
 }
 
+std::string failureText(int code) { return systemText(code); }
+
 }  // namespace yon::platform
