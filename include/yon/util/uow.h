@@ -78,6 +78,8 @@ public:
     virtual void on_reload() {}
 
 protected:
+    /// Sets what `start` will return, and goes on.
+    void exitCode(int code) noexcept { exitCode_.store(code, std::memory_order_release); }
     std::list<UnitOfWork *> & children() noexcept { return children_; }
 
 private:
