@@ -54,3 +54,7 @@
 #include "yon/string/string_ref.h"
 #include "yon/string/string_slice.h"
 #include "yon/string/unicode.h"
+#include "yon/util/cmdline.h"
+#include "yon/util/state.h"
+#include "yon/util/test.h"
+#include "yon/util/uow.h"
