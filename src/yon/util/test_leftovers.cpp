@@ -1,0 +1,51 @@
+#include "yon/util/test_leftovers.h"
+
+#include <thread>
+
+#include "yon/base/stopwatch.h"
+#include "yon/mt/thread_factory.h"
+#include "yon/string/string_buffer.h"
+
+namespace yon::test {
+
+namespace {
+
+/// Those that the library has started and that still run.
+std::size_t libraryThreads() { return ThreadFactory::instance()->started(); }
+
+std::size_t timersSet() { return TimerManager::instance()->timers().size(); }
+
+void compare(std::vector<String> & lines, istr what, std::size_t before, std::size_t now) {
+    if (now <= before) return;
+    StringBuffer line;
+    line.append(now - before).append(' ').append(what);
+    lines.push_back(line.str());
+}
+
+}  // namespace
+
+Leftovers::Leftovers() : threads_(libraryThreads()), timers_(timersSet()) {
+    MemLeakChecker::enable(true);
+    blocks_ = MemLeakChecker::snapshot();
+}
+
+Leftovers::~Leftovers() { MemLeakChecker::enable(wasEnabled_); }
+
+std::vector<String> Leftovers::since() const {
+    TimeCounter const waited;
+    while ((libraryThreads() > threads_ || timersSet() > timers_) && waited.elapsed() < Time::milliSeconds(500)) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    std::vector<String> lines;
+    compare(lines, "library threads", threads_, libraryThreads());
+    compare(lines, "timers", timers_, timersSet());
+    for (MLC_Entry const & e : MemLeakChecker::since(blocks_)) {
+        StringBuffer line;
+        line.append(e.count).append(" objects made at ").append(e.file).append(':').append(e.line).append(" in ");
+        line.append(e.func);
+        lines.push_back(line.str());
+    }
+    return lines;
+}
+
+}  // namespace yon::test
