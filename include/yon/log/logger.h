@@ -12,6 +12,7 @@
 
 namespace yon {
 
+class ConfigFile;
 class dumper;
 namespace pml {
 class stream;
@@ -31,8 +32,8 @@ public:
 ///
 /// Lines are kept in a cache for each file and written out when the cache holds `maxNumofMsg` lines or `maxCacheSize`
 /// bytes, by `flush()`, every second while the timer service runs, and at exit. A line that would take a file past
-/// 10 MiB moves the file to its name with ".bak" first. Without a file name a cache keeps up to 8 MiB, then the oldest
-/// lines go.
+/// 10 MiB moves the file to its name with ".bak" first. Without a file name a cache keeps up to 8 MiB, then the
+/// oldest lines go.
 class YON_API logger {
 public:
     /// What became of the lines of both files.
@@ -53,8 +54,8 @@ public:
     /// Once: reads the configuration, takes the identity and registers the flush timer. A configuration that cannot
     /// be read is reported on standard error and changes nothing.
     logger & init(std::string const & id) noexcept;
-    /// Reads the configuration file again, or another one. A broken one is reported on standard error, with the place,
-    /// and leaves the settings in force.
+    /// Reads the configuration file again, or another one. A broken one is reported on standard error, with the
+    /// place, and leaves the settings in force.
     void reload() noexcept;
     void reload(istr const & configFile) noexcept;
     /// Binds the settings to their keys: writes them to an output stream, takes from an input stream those it has.
@@ -70,6 +71,8 @@ public:
     void onTimer(void * param);
 
     std::string id() const;
+    /// The same without a copy; valid as long as the logger.
+    istr idText() const noexcept;
 
     // Whether a category of records is wanted. One relaxed load each.
     bool debugOn() const noexcept { return on(debugOn_); }
@@ -150,6 +153,13 @@ private:
         which.store(b, std::memory_order_relaxed);
         return *this;
     }
+
+    friend class logger_factory;
+
+    bool ready() const noexcept;
+    void awaitInit() const noexcept;
+    void take(ConfigFile & file);
+    void enable(bool b);
 
     std::atomic<bool> debugOn_{false};
     std::atomic<bool> traceOn_{false};

@@ -8,12 +8,16 @@
 
 namespace yon {
 
-/// Hands out loggers. All functions may be called from any thread. The first call for an identity makes the logger and
-/// initialises it from the configuration file. Loggers live until `destroy()`; without it until the process is gone.
+/// Hands out loggers. All functions may be called from any thread. The first call for an identity makes the logger
+/// and initialises it from the configuration file. Loggers live until `destroy()`; without it until the process is
+/// gone.
 class YON_API logger_factory {
 public:
+    /// The identity of the default logger, to which the library's own records go.
+    static constexpr char const * yonId = "YON";
+
     static logger & instance(std::string const & id);
-    /// The logger "YON", to which the library's own records go.
+    /// The default logger. Cheap.
     static logger & yon();
     static void create();
     /// Writes everything out and deletes all loggers. The caller sees to it that nobody uses one.

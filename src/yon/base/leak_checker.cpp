@@ -10,6 +10,7 @@
 
 #include "yon/base/chars.h"
 #include "yon/base/spin_lock.h"
+#include "yon/platform/fork.h"
 
 namespace yon {
 
@@ -115,6 +116,15 @@ void forEachLocked(Visit visit) noexcept {
         visit(s);
     }
 }
+
+void lockAll() noexcept {
+    for (Shard & s : shards) s.lock_.lock();
+}
+void unlockAll() noexcept {
+    for (Shard & s : shards) s.lock_.unlock();
+}
+[[maybe_unused]] bool const survivesFork =
+    (platform::onFork(platform::ForkLayer::base, lockAll, unlockAll, unlockAll), true);
 
 int comparePlaces(MLC_Entry const & a, MLC_Entry const & b) noexcept {
     if (int const r = StrCmp(a.file, b.file); r != 0) return r;

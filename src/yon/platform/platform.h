@@ -21,6 +21,9 @@ namespace yon::platform {
 longlong wallMicroseconds() noexcept;
 /// Microseconds since some moment in the past, by a clock that nobody sets and that never goes back.
 longlong monotonicMicroseconds() noexcept;
+/// A number that differs from the one before once the wall clock's coarse value has moved on, which is every few
+/// milliseconds. Takes a few nanoseconds.
+longlong wallTick() noexcept;
 
 struct CalendarTime {
     longlong year;  ///< of the common era
@@ -60,6 +63,10 @@ std::string systemText(int code);
 std::string failureText(int code);
 
 // --- files ---
+
+/// Opens a regular file for reading in binary form; the caller closes it. `operation_not_supported` for anything else,
+/// such as a directory, a device or a pipe, for which it does not wait.
+std::error_code openRegular(std::string const & name, std::FILE *& file);
 
 /// The file that a name means in the end, when it is a symbolic link; otherwise, or when that fails, the name.
 std::string linkTarget(std::string const & name);

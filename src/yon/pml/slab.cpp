@@ -3,6 +3,7 @@
 #include <mutex>
 
 #include "yon/base/spin_lock.h"
+#include "yon/platform/fork.h"
 
 namespace yon::pml {
 
@@ -58,10 +59,16 @@ struct Slab::Depot {
         return depot;
     }
 
+    static void lock() noexcept { instance().mutex.lock(); }
+    static void unlock() noexcept { instance().mutex.unlock(); }
+    static bool const survivesFork;
+
     SpinLock mutex;
     Magazine * magazines[classes] = {};
     Rest * rests = nullptr;
 };
+
+bool const Slab::Depot::survivesFork = (platform::onFork(platform::ForkLayer::data, lock, unlock, unlock), true);
 
 struct Slab::ThreadEnd {
     ~ThreadEnd() { local().giveBack(); }
