@@ -64,3 +64,4 @@
 #include "yon/util/binary_item.h"
 #include "yon/util/binary_out_stream.h"
 #include "yon/util/binary_stream.h"
+#include "yon/util/c3des.h"
