@@ -6,7 +6,9 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zuvyon)
 set(package_build_dir ${PROJECT_BINARY_DIR}/lib/cmake/zuvyon)
 
 configure_file(${PROJECT_SOURCE_DIR}/cmake/zuvyonConfig.cmake ${package_build_dir}/zuvyonConfig.cmake COPYONLY)
-configure_file(${PROJECT_SOURCE_DIR}/cmake/FindACE.cmake ${package_build_dir}/FindACE.cmake COPYONLY)
+foreach(finder FindACE FindGcrypt)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${finder}.cmake ${package_build_dir}/${finder}.cmake COPYONLY)
+endforeach()
 write_basic_package_version_file(${package_build_dir}/zuvyonConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/zuvyon.pc.in ${PROJECT_BINARY_DIR}/zuvyon.pc @ONLY)
 
@@ -19,6 +21,6 @@ foreach(set Shared Static)
 endforeach()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/yon DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
 install(FILES ${package_build_dir}/zuvyonConfig.cmake ${package_build_dir}/zuvyonConfigVersion.cmake
-  ${package_build_dir}/FindACE.cmake DESTINATION ${package_dir})
+  ${package_build_dir}/FindACE.cmake ${package_build_dir}/FindGcrypt.cmake DESTINATION ${package_dir})
 install(FILES ${PROJECT_BINARY_DIR}/zuvyon.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -1,4 +1,4 @@
-# The compiler's run-time DLLs: copied beside the programs in the build tree, and installed with the library.
+# The compiler's run-time DLLs and those of libgcrypt: copied beside the programs in the build tree, and installed with the library.
 set(yon_runtime_dlls)
 foreach(dll libgcc_s_dw2-1.dll libstdc++-6.dll libwinpthread-1.dll)
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll} OUTPUT_VARIABLE path
@@ -8,5 +8,7 @@ foreach(dll libgcc_s_dw2-1.dll libstdc++-6.dll libwinpthread-1.dll)
   endif()
   list(APPEND yon_runtime_dlls ${path})
 endforeach()
+find_package(Gcrypt REQUIRED)
+list(APPEND yon_runtime_dlls ${Gcrypt_RUNTIME_DLLS})
 file(COPY ${yon_runtime_dlls} DESTINATION ${PROJECT_BINARY_DIR}/bin)
 install(FILES ${yon_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})

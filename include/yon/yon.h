@@ -22,6 +22,7 @@
 #include "yon/base/net.h"
 #include "yon/base/octets.h"
 #include "yon/base/ostr.h"
+#include "yon/base/pooled.h"
 #include "yon/base/scalars.h"
 #include "yon/base/stack.h"
 #include "yon/base/std_streams.h"
@@ -60,7 +61,15 @@
 #include "yon/mt/thread_owner.h"
 #include "yon/mt/thread_safety.h"
 #include "yon/mt/threadexception.h"
+<<<<<<< HEAD
 #include "yon/mt/type_text.h"
+=======
+#include "yon/nbr/input_stream.h"
+#include "yon/nbr/output_stream.h"
+#include "yon/nbr/parser.h"
+#include "yon/nbr/value.h"
+#include "yon/nbr/verify.h"
+>>>>>>> nbr
 #include "yon/pml/file.h"
 #include "yon/pml/ntv.h"
 #include "yon/pml/ntv_stl.h"
@@ -81,6 +90,7 @@
 #include "yon/string/string_slice.h"
 #include "yon/string/unicode.h"
 <<<<<<< HEAD
+<<<<<<< HEAD
 #include "yon/util/cmdline.h"
 #include "yon/util/state.h"
 #include "yon/util/test.h"
@@ -93,3 +103,10 @@
 #include "yon/timer/timer_id.h"
 #include "yon/util/singleton_T.h"
 >>>>>>> logger
+=======
+#include "yon/util/binary_in_stream.h"
+#include "yon/util/binary_item.h"
+#include "yon/util/binary_out_stream.h"
+#include "yon/util/binary_stream.h"
+#include "yon/util/c3des.h"
+>>>>>>> nbr

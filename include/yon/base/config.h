@@ -15,3 +15,10 @@
 #else
 #define YON_API __attribute__((visibility("default")))
 #endif
+
+// YON_LIFETIMEBOUND marks a parameter that must outlive the object made from it; clang warns of temporaries.
+#if defined(__clang__)
+#define YON_LIFETIMEBOUND [[clang::lifetimebound]]
+#else
+#define YON_LIFETIMEBOUND
+#endif

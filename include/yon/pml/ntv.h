@@ -12,6 +12,7 @@
 #include "yon/base/builtin_scalar.h"
 #include "yon/base/bytes.h"
 #include "yon/base/leak_checker.h"
+#include "yon/base/pooled.h"
 #include "yon/base/scalars.h"
 #include "yon/base/string.h"
 #include "yon/base/time.h"
@@ -26,23 +27,6 @@ class NameIndex;
 namespace detail {
 
 struct Access;
-
-YON_API void * allocateBlock(std::size_t size);
-YON_API void releaseBlock(void * p, std::size_t size) noexcept;
-
-/// Lets `new T` and `delete` take their memory from the pool of nodes and values; any thread may delete.
-template <class T>
-struct Pooled {
-    static void * operator new(std::size_t size) { return allocateBlock(size); }
-    static void * operator new(std::size_t size, char const *, unsigned int, char const *) {
-        return allocateBlock(size);
-    }
-    static void * operator new(std::size_t, void * where) noexcept { return where; }
-    static void operator delete(void * p, std::size_t size) noexcept { releaseBlock(p, size); }
-    static void operator delete(void * p, char const *, unsigned int, char const *) noexcept {
-        releaseBlock(p, sizeof(T));
-    }
-};
 
 /// The built-in scalars that a node stores and yields; not the character types of wide text.
 template <class T>
@@ -80,7 +64,7 @@ private:
 };
 
 /// A single text.
-class YON_API StringValue final : public ValueBase, public detail::Pooled<StringValue> {
+class YON_API StringValue final : public ValueBase, public yon::detail::Pooled<StringValue> {
 public:
     StringValue() = default;
     explicit StringValue(istr text) : data_(text) {}
@@ -102,7 +86,7 @@ private:
 };
 
 /// An ordered list of child nodes, which it owns and deletes.
-class YON_API ListValue final : public ValueBase, public detail::Pooled<ListValue> {
+class YON_API ListValue final : public ValueBase, public yon::detail::Pooled<ListValue> {
 public:
     using Children = std::vector<Unit *>;
 
@@ -159,7 +143,7 @@ private:
 ///     root["port"] << 8080;
 ///     int port = 0;
 ///     if (root["port"] >> port) ...
-class YON_API Unit : public detail::Pooled<Unit> {
+class YON_API Unit : public yon::detail::Pooled<Unit> {
 public:
     static String const path_root;         ///< "/"
     static String const path_parent;       ///< ".."

@@ -71,6 +71,17 @@ public:
         return end;
     }
 
+    /// Room for `n` more bytes behind the text, for the caller to write; `commit` makes what was written a part of
+    /// it.
+    char * prepare(ulong n) {
+        if (n > capacity_ - size_) grow(n);
+        return data_ + size_;
+    }
+    /// REQUIRES: no more than was prepared.
+    void commit(ulong n) noexcept { size_ += n; }
+    /// Cuts the text to its first `n` bytes.
+    void truncate(ulong n) noexcept { size_ = std::min(size_, n); }
+
     /// Empties it and keeps the block.
     StringBuffer & reset() noexcept {
         size_ = 0;

@@ -4,8 +4,8 @@
 #include <new>
 
 #include "yon/base/leak_checker.h"
+#include "yon/base/slab.h"
 #include "yon/pml/ntv.h"
-#include "yon/pml/slab.h"
 
 namespace yon::pml::ntv {
 

@@ -27,13 +27,6 @@ bool isIndexText(istr key, ulong & index) noexcept {
 
 }  // namespace
 
-namespace detail {
-
-void * allocateBlock(std::size_t size) { return Slab::local().allocate(size); }
-void releaseBlock(void * p, std::size_t size) noexcept { Slab::local().release(p, size); }
-
-}  // namespace detail
-
 ValueBase * StringValue::clone() const {
     return make<StringValue>(Slab::local(), __LINE__, "yon::pml::ntv::StringValue::clone", data_);
 }

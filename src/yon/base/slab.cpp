@@ -1,11 +1,12 @@
-#include "yon/pml/slab.h"
+#include "yon/base/slab.h"
 
 #include <mutex>
 
+#include "yon/base/pooled.h"
 #include "yon/base/spin_lock.h"
 #include "yon/platform/fork.h"
 
-namespace yon::pml {
+namespace yon {
 
 thread_local constinit Slab Slab::local_;
 
@@ -142,4 +143,7 @@ void Slab::giveBack() noexcept {
     state_ = State::ended;
 }
 
-}  // namespace yon::pml
+void * detail::allocateBlock(std::size_t size) { return Slab::local().allocate(size); }
+void detail::releaseBlock(void * p, std::size_t size) noexcept { Slab::local().release(p, size); }
+
+}  // namespace yon

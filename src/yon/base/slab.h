@@ -16,7 +16,7 @@
 #define YON_SLAB_PASSES_THROUGH false
 #endif
 
-namespace yon::pml {
+namespace yon {
 
 /// Hands out blocks of up to `largest` bytes from free lists of the calling thread, without a lock; larger ones come
 /// from the heap. Any thread may release a block. Full lists move between threads through a common depot, so that one
@@ -92,4 +92,4 @@ private:
     static thread_local constinit Slab local_;
 };
 
-}  // namespace yon::pml
+}  // namespace yon

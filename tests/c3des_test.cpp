@@ -1,0 +1,81 @@
+// Triple DES against published vectors, and what it refuses.
+#include "yon/util/c3des.h"
+
+#include <gtest/gtest.h>
+
+#include "binary_testing.h"
+#include "yon/base/exception.h"
+
+namespace yon {
+namespace {
+
+TEST(C3DES, PublishedVectors) {
+    std::string const one = "01 01 01 01 01 01 01 01", example = "01 23 45 67 89 AB CD EF";
+    std::string const three = example + "23 45 67 89 AB CD EF 01 45 67 89 AB CD EF 01 23";
+    auto const thrice = [](std::string const & key) { return key + key + key; };
+    struct {
+        std::string key, vector, text, cipher;
+    } const rows[] = {
+        // The example of the standard for triple DES.
+        {three, "", hex("The qufck brown fox jump"), "A826FD8CE53B855F CCE21C8112256FE6 68D5C05DD9B6B900"},
+        // Known answers: variable plaintext, variable key, permutations, substitution tables.
+        {thrice(one), "", "8000000000000000", "95F8A5E5DD31D900"},
+        {thrice(one), "", "4000000000000000", "DD7F121CA5015619"},
+        {thrice(one), "", "2000000000000000", "2E8653104F3834EA"},
+        {thrice("8001010101010101"), "", "0000000000000000", "95A8D72813DAA94D"},
+        {thrice("4001010101010101"), "", "0000000000000000", "0EEC1487DD8C26D5"},
+        {thrice("1046913489980131"), "", "0000000000000000", "88D55E54F54C97B4"},
+        {thrice("7CA110454A1A6E57"), "", "01A1D6D039776742", "690F5B0D9A26939B"},
+        {thrice("0131D9619DC1376E"), "", "5CD54CA83DEF57DA", "7A389D10354BD271"},
+        // Chained blocks.
+        {thrice(example), "1234567890ABCDEF", hex("Now is the time for all "),
+         "E5C7CDDE872BF27C 43E934008C389C0F 683788499A7C05F6"},
+        {example + example, "1234567890ABCDEF", hex("Now is the time for all "),
+         "E5C7CDDE872BF27C 43E934008C389C0F 683788499A7C05F6"},
+        // Two keys.
+        {example + "FEDCBA9876543210", "", "0123456789ABCDE7", "7F1D0A77826B8AFF"},
+    };
+    for (auto const & row : rows) {
+        C3DES const cipher(unhex(row.key), row.vector.empty() ? C3DES::Mode::ECB : C3DES::Mode::CBC,
+                           unhex(row.vector));
+        std::string const text = unhex(row.text);
+        Bytes const encrypted = cipher.encrypt(text);
+        EXPECT_EQ(encrypted.size(), text.size() + C3DES::blockSize);
+        EXPECT_EQ(hex(istr(encrypted, toLength(text.size()))), hex(unhex(row.cipher)));
+        EXPECT_TRUE(istr(cipher.decrypt(encrypted)) == text);
+    }
+}
+
+TEST(C3DES, PaddingAndWhatIsRefused) {
+    std::string key;
+    for (char c = 0; c < 24; ++c) key += static_cast<char>(7 * c);
+    C3DES two(key.substr(0, 16)), three(key, C3DES::Mode::CBC, "initial!");
+    C3DES moved(std::move(two));
+    two = C3DES(key.substr(0, 16) + key.substr(0, 8));
+    for (std::size_t size = 0; size < 40; ++size) {
+        std::string const text(size, 'x');
+        Bytes const a = moved.encrypt(text), b = two.encrypt(text), c = three.encrypt(text);
+        EXPECT_TRUE(istr(a) == istr(b) && istr(a) != istr(c) && c.size() == size - size % 8 + 8);
+        EXPECT_TRUE(istr(moved.decrypt(a)) == text && istr(three.decrypt(c)) == text) << size;
+    }
+    Bytes data = three.vector("another!").encrypt("some text");
+    EXPECT_FALSE(istr(three.vector("initial!").decrypt(data)) == istr("some text"));
+    // The second block ends in seven times 7: another first block changes it.
+    for (unsigned bits : {7u ^ 0u, 7u ^ 9u, 7u ^ 8u, 7u ^ 255u}) {
+        Bytes broken(data);
+        broken[7] ^= static_cast<unsigned char>(bits);
+        EXPECT_THROW(three.decrypt(broken), InvalidDataException);
+    }
+    for (ulong size : {0u, 7u, 9u}) EXPECT_THROW(three.decrypt(istr(data, size)), InvalidDataException);
+    for (ulong size : {0u, 8u, 15u, 17u, 23u}) EXPECT_THROW(C3DES(istr(key, size)), InvalidDataException);
+    EXPECT_THROW(C3DES(key, C3DES::Mode::CBC), InvalidDataException);
+    EXPECT_THROW(three.vector("short"), InvalidDataException);
+    try {
+        three.decrypt("0123456701234567");
+    } catch (InvalidDataException const & e) {
+        EXPECT_STREQ(e.msg(), "InvalidDataException: broken padding");
+    }
+}
+
+}  // namespace
+}  // namespace yon

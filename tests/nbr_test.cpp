@@ -1,0 +1,281 @@
+// nbr: the writer's bytes, the parser's trees, what is lenient and what is strict, hostile input.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <random>
+#include <thread>
+
+#include "binary_testing.h"
+#include "yon/log/dumper.h"
+#include "yon/nbr/input_stream.h"
+#include "yon/nbr/output_stream.h"
+#include "yon/nbr/verify.h"
+#include "yon/string/unicode.h"
+
+namespace yon::nbr {
+namespace {
+
+using Owner = std::unique_ptr<ValueBase>;
+
+/// A tree in one line: "(5:07 -:'abc' 6:())", data in hexadecimal, text in quotes, "null" for no value.
+std::string show(ValueBase const * value) {
+    if (value == nullptr) return "null";
+    if (auto const * simple = value->simpleValue()) {
+        std::string const text(std::string_view(simple->data()));
+        return simple->text() ? "'" + text + "'" : hex(text);
+    }
+    std::string out = "(";
+    for (auto const & item : *value->complexValue()) {
+        if (out.size() > 1) out += ' ';
+        out += item.tag == noTag ? "-:" : std::to_string(item.tag) + ":";
+        out += show(item.value);
+    }
+    return out + ")";
+}
+
+std::string defectOf(std::string const & bytes) {
+    auto const defect = verify(bytes);
+    return defect ? std::to_string(defect->offset) + " " + defect->what : "";
+}
+
+TEST(Nbr, ScalarsHaveTheirBytesOnEveryTargetAndComeBack) {
+    forEachGoldenScalar([](auto value, char const * bytes) {
+        OutputStream out;
+        out << value;
+        EXPECT_EQ(hex(out.str()), bytes);
+        Owner const owner(parser::from(out.str()));
+        decltype(value) back{}, strict{};
+        EXPECT_TRUE(owner->simpleValue()->read(back) && back == value) << bytes;
+        EXPECT_NO_THROW(owner->simpleValue()->readStrict(strict));
+        EXPECT_TRUE(strict == value) << bytes;
+    });
+    SimpleValue const wide(istr("\1\2\3\4\5", 5), false);
+    int number = 0;
+    EXPECT_TRUE(wide.read(number) && number == 0x04030201);
+    EXPECT_THROW(wide.readStrict(number), DecodeException);
+    EXPECT_THROW(SimpleValue().readStrict(number), DecodeException);
+    EXPECT_TRUE(!SimpleValue().read(number) && number == 0);
+}
+
+TEST(Nbr, TheWriterWritesWhatTheParserReads) {
+    wchar const wide[] = {'z', 0xE4, 0};
+    std::string const like(41, 'm');
+    OutputStream out;
+    out.beginComplex();
+    out.tag(5) << 7;
+    out << "abc" << istr(like) << String(like);
+    out.tag(0) << istr(like);
+    out.tag(2).beginComplex().endComplex();
+    out.tag(2) << wide;
+    out.tag(3) << null_type();
+    out.tag(3) << empty_type();
+    out.tag(noTag).beginComplex().tag(1).writeRaw(istr("\1\1\7", 3)).endComplex();
+    out.tag(254) << Time(1);
+    out.endComplex();
+    std::string const m = hex(like);
+    EXPECT_EQ(hex(out.str()), "FF 01 28 05 01 01 07 FF F1 03 61 62 63 FF 02 29 00 " + m + " FF F1 29 " + m +
+                                  " 00 01 29 " + m + " 02 FF 01 28 FF 01 29 02 F1 03 7A C3 A4 03 00 03 01 00 " +
+                                  "FF FF 01 28 01 01 01 07 FF 01 29 FE 01 01 01 FF 01 29");
+    EXPECT_EQ(verify(out.str()).has_value(), false);
+    InputStream in(out.str());
+    std::string const shown =
+        "(5:07 -:'abc' -:" + m + " -:'" + like + "' 0:" + m + " 2:() 2:'z\xC3\xA4' -:(1:07) 254:01)";
+    EXPECT_EQ(show(in.get()), shown);
+    ComplexValue & root = *in.get()->complexValue();
+    int number = 0;
+    wstring text;
+    EXPECT_TRUE(root.read(5, number) && number == 7 && root.read(2, text) && text == wide);
+    EXPECT_TRUE(root.get(noTag) == nullptr && root.get(77) == nullptr && !root.read(77, number) && number == 7);
+
+    // Every tag, in an index that follows what is added.
+    for (unsigned round = 0; round < 2; ++round) {
+        for (unsigned tag = 0; tag <= noTag; ++tag) {
+            auto * const value = new SimpleValue(round != 0);
+            root.add(static_cast<unsigned char>(tag), value);
+            EXPECT_EQ(root.get(static_cast<unsigned char>(tag)), tag == noTag ? nullptr : value);
+        }
+    }
+    root.add(1, nullptr);
+    EXPECT_EQ(root.data().size(), 9 + 512u);
+
+    OutputStream other;
+    EXPECT_THROW(other.tag(1), UnsupportedFunctionException);
+    EXPECT_THROW(other.endComplex(), UnsupportedFunctionException);
+    other.beginComplex();
+    EXPECT_THROW(other.tag(256), OutOfRangeException);
+    other.tag(9);
+    EXPECT_THROW(other.tag(1), UnsupportedFunctionException);
+    EXPECT_THROW(other.endComplex(), UnsupportedFunctionException);
+    wchar const broken[] = {0xDC00, 0};
+    EXPECT_THROW(other << broken, UTFConversionException);
+    if constexpr (sizeof(long) > 4) {
+        EXPECT_THROW(other << static_cast<long>(1ll << 40), OutOfRangeException);
+    }
+    EXPECT_EQ(hex(other.str()), "FF 01 28") << "failed writes leave nothing";
+    other.swap(out);
+    out << 1;
+    EXPECT_EQ(hex(out.str()), "FF 01 28 09 01 01 01");
+    out.reset();
+    out << 1;
+    EXPECT_EQ(hex(out.str()), "01 01 01");
+}
+
+TEST(Nbr, WhatTheParserAndVerifySayOfBytes) {
+    struct {
+        char const * bytes;
+        char const * tree;
+        char const * trace;
+        char const * defect;
+    } const rows[] = {
+        {"", "null", "parseValue empty iptr_", "0 there is no value"},
+        {"00", "null", "readSimple zero length of size", ""},
+        {"05", "null", "readSimple no data after length of size", "0 the length of the size is above 4"},
+        {"05 01", "!", "", "0 the length of the size is above 4"},
+        {"F8 01", "!", "", "0 the length of the size is above 4"},
+        {"FF 01", "null", "readSimple eof: empty value", "0 no value begins with FF here"},
+        {"F0 01", "null", "readSimple empty size", "0 this head is unknown"},
+        {"11 01 41", "41", "", "0 this head is unknown"},
+        {"02 01", "null", "readSimple empty size", "1 the size is cut off"},
+        {"01 00", "null", "", ""},
+        {"01 02", "null", "readSimple no data after size", "2 the data is cut off"},
+        {"04 FF FF FF FF 41 42", "41 42", "", "5 the data is cut off"},
+        {"F1 01 C3", "'\xC3'", "", "2 this text is not UTF-8"},
+        {"02 29 00 41", "41", "", "3 the data is cut off"},
+        {"01 01 07 01 01 08", "07", "", ""},
+        {"FF 01 28", "()", "", "0 this complex value is not closed"},
+        {"FF 01 28 05", "()", "parseValue eof: empty value", "3 this tag has no value"},
+        {"FF 01 28 05 FF 01 29", "()", "readSimple eof: empty value", "4 no value begins with FF here"},
+        {"FF 01 28 05 FF 01 28 06 01 01 07 FF 01 29", "(5:(6:07))", "", "0 this complex value is not closed"},
+        {"FF 01 28 02 01 01 07 02 01 01 08 FF 01 01 09 FF 01 29", "(2:07 2:08 -:09)", "", ""},
+        {"FF 01 28 FF 01 28 FF 01 29", "(-:FF 01 29)", "", "6 the data is cut off"},
+        {"FF 01 28 FF 01 29 FF 01 29", "()", "", "6 no value begins with FF here"},
+    };
+    for (auto const & row : rows) {
+        Reports reports;
+        reports.tracing = true;
+        std::string const bytes = unhex(row.bytes);
+        try {
+            EXPECT_EQ(show(Owner(parser::from(bytes)).get()), row.tree) << row.bytes;
+            std::string const at = std::string("TRACE src/yon/nbr/parser yon::nbr::parser::") + row.trace;
+            EXPECT_EQ(reports.lines.empty() ? "" : reports.lines[0], *row.trace == '\0' ? "" : at) << row.bytes;
+        } catch (DecodeException const & e) {
+            EXPECT_STREQ(row.tree, "!") << row.bytes;
+            EXPECT_STREQ(e.msg(), "yon::nbr::DecodeException: lengthOfSize > 4");
+            EXPECT_EQ(reports.lines.at(0),
+                      std::string("thrown src/yon/nbr/parser yon::nbr::parser::readSimple ") + e.msg());
+        }
+        EXPECT_EQ(defectOf(bytes), row.defect) << row.bytes;
+    }
+}
+
+TEST(Nbr, CopiesAreDeepAndStreamsKeepTheirBytes) {
+    std::string const bytes = unhex("FF 01 28 05 FF 01 28 06 F1 04 01 02 68 69 FF 01 29 07 01 01 09 FF 01 29");
+    InputStream kept{Bytes(bytes)};
+    InputStream copy(kept), view(bytes);
+    copy.own(Bytes(bytes)).swap(kept);
+    copy = InputStream(copy);
+    std::string const shown = "(5:(6:'\1\2hi') 7:09)";
+    EXPECT_EQ(show(kept.get()), shown);
+    EXPECT_EQ(show(copy.get()), shown);
+    EXPECT_NE(kept.get(), copy.get());
+    auto const & inner = *copy.get()->complexValue()->get(5)->complexValue();
+    copy.init(inner.get(6)->simpleValue()->data());
+    EXPECT_EQ(show(copy.get()), "68 69") << "bytes of the old tree, which stay as long as they are parsed";
+    copy.str(istr("\5\1", 0));
+    EXPECT_EQ(copy.get(), nullptr);
+    EXPECT_THROW(copy.init(istr("\5\1", 2)), DecodeException);
+    ComplexValue assigned;
+    assigned.add(1, new SimpleValue());
+    assigned = *view.get()->complexValue();
+    EXPECT_EQ(show(&assigned), shown);
+
+    dumper lines, compact(true);
+    InputStream(view.get()->clone()).dump(lines);
+    assigned.dump(compact);
+    EXPECT_EQ(compact.str(), "{5 : {6 : {\"\\x{0102}hi\", true}}, 7 : {\"\\x{09}\", false}}");
+    EXPECT_EQ(lines.str(),
+              "@yon::nbr::InputStream {\n    root_ = @yon::nbr::ComplexValue {\n        5 : @yon::nbr::ComplexValue {"
+              "\n            6 : @yon::nbr::SimpleValue {\n                data_ = \"\\x{0102}hi\"\n                "
+              "text_ = true"
+              "\n            }\n        }\n        7 : @yon::nbr::SimpleValue {\n            data_ = \"\\x{09}\""
+              "\n            text_ = false\n        }\n    }\n    owned_ = false\n}");
+}
+
+TEST(Nbr, ReadingThreadsShareATree) {
+    OutputStream out;
+    out.beginComplex();
+    for (unsigned tag = 0; tag < noTag; ++tag) out.tag(tag) << tag;
+    out.endComplex();
+    InputStream const in(out.str());
+    std::vector<std::thread> threads;
+    std::atomic<unsigned> wrong{0};
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (unsigned tag = 0, value = 0; tag < noTag; ++tag) {
+                wrong += !in.get()->complexValue()->read(static_cast<unsigned char>(tag), value) || value != tag;
+            }
+        });
+    }
+    for (auto & thread : threads) thread.join();
+    EXPECT_EQ(wrong, 0u);
+}
+
+TEST(NbrHostile, AMillionNestedValuesCostMemoryAndNotStack) {
+    constexpr int depth = 1000000;
+    OutputStream out;
+    for (int i = 0; i < depth; ++i) out.beginComplex();
+    InputStream const open(out.str());
+    EXPECT_EQ(defectOf(std::string(std::string_view(out.str()))).substr(0, 8), "3999996 ");
+    for (int i = 0; i < depth; ++i) out.endComplex();
+    EXPECT_FALSE(verify(out.str()).has_value());
+    InputStream const in(out.str());
+    for (InputStream const * stream : {&open, &in}) {
+        InputStream const copy(*stream);
+        int levels = 0;
+        for (auto const * v = copy.get()->complexValue(); v != nullptr; ++levels) {
+            v = v->data().empty() ? nullptr : v->begin()->value->complexValue();
+        }
+        EXPECT_EQ(levels, depth);
+        dumper d;
+        d << copy;
+        EXPECT_LT(d.str().size(), 10000u);
+    }
+}
+
+/// Random values, cut at every byte and with single bytes changed: a result each time, and `verify` finds the cut.
+TEST(NbrHostile, BytesThatAreCutOrChanged) {
+    std::mt19937 random(11);
+    for (int round = 0; round < 60; ++round) {
+        OutputStream out;
+        unsigned depth = 1;
+        out.beginComplex();
+        for (int i = 0; i < 20 || depth > 0; ++i) {
+            auto const what = i < 20 ? random() % 6 : 5;
+            if (depth > 0 && what != 5 && random() % 2 != 0) out.tag(static_cast<unsigned>(random() % 256));
+            if (what == 0) out << static_cast<int>(random());
+            if (what == 1) out << std::string(random() % 300u, 't');
+            if (what == 2) out << istr(std::string(random() % 60, '\xFF'));
+            if (what == 3) out << null_type();
+            if (what == 4) out.beginComplex(), ++depth;
+            if (what == 5 && depth > 0) out.endComplex(), --depth;
+        }
+        std::string const bytes(std::string_view(out.str()));
+        ASSERT_EQ(defectOf(bytes), "");
+        for (std::size_t cut = 0; cut < bytes.size(); ++cut) {
+            std::string const start = bytes.substr(0, cut);
+            EXPECT_NO_THROW(Owner(parser::from(start)));
+            std::string changed = bytes;
+            changed[cut] = static_cast<char>(random());
+            try {
+                Owner(parser::from(changed));
+                verify(changed);
+            } catch (DecodeException const &) {
+                EXPECT_NE(defectOf(changed), "");
+            }
+        }
+        EXPECT_NE(defectOf(bytes.substr(0, 2)), "");
+    }
+}
+
+}  // namespace
+}  // namespace yon::nbr
