@@ -34,9 +34,17 @@
 #include "yon/base/types.h"
 #include "yon/base/version.h"
 #include "yon/base/view_base.h"
+#include "yon/log/config_file.h"
+#include "yon/log/console.h"
 #include "yon/log/dumper.h"
 #include "yon/log/dumper_stl.h"
 #include "yon/log/hexdump.h"
+#include "yon/log/logger.h"
+#include "yon/log/logger_factory.h"
+#include "yon/log/macros.h"
+#include "yon/log/message_stream.h"
+#include "yon/log/record.h"
+#include "yon/log/tracer.h"
 #include "yon/mt/cond.h"
 #include "yon/mt/handle.h"
 #include "yon/mt/handle_wrapper.h"
@@ -61,15 +69,12 @@
 #include "yon/mt/thread_owner.h"
 #include "yon/mt/thread_safety.h"
 #include "yon/mt/threadexception.h"
-<<<<<<< HEAD
 #include "yon/mt/type_text.h"
-=======
 #include "yon/nbr/input_stream.h"
 #include "yon/nbr/output_stream.h"
 #include "yon/nbr/parser.h"
 #include "yon/nbr/value.h"
 #include "yon/nbr/verify.h"
->>>>>>> nbr
 #include "yon/pml/file.h"
 #include "yon/pml/ntv.h"
 #include "yon/pml/ntv_stl.h"
@@ -89,24 +94,18 @@
 #include "yon/string/string_ref.h"
 #include "yon/string/string_slice.h"
 #include "yon/string/unicode.h"
-<<<<<<< HEAD
-<<<<<<< HEAD
-#include "yon/util/cmdline.h"
-#include "yon/util/state.h"
-#include "yon/util/test.h"
-#include "yon/util/uow.h"
-=======
 #include "yon/timer/itimer_object.h"
 #include "yon/timer/service_timer.h"
 #include "yon/timer/timerCallbackBlock.h"
 #include "yon/timer/timer_block.h"
 #include "yon/timer/timer_id.h"
-#include "yon/util/singleton_T.h"
->>>>>>> logger
-=======
 #include "yon/util/binary_in_stream.h"
 #include "yon/util/binary_item.h"
 #include "yon/util/binary_out_stream.h"
 #include "yon/util/binary_stream.h"
 #include "yon/util/c3des.h"
->>>>>>> nbr
+#include "yon/util/cmdline.h"
+#include "yon/util/singleton_T.h"
+#include "yon/util/state.h"
+#include "yon/util/test.h"
+#include "yon/util/uow.h"
