@@ -159,6 +159,18 @@ std::size_t ThreadFactory::size() const {
     return entries_.size();
 }
 
+std::vector<KnownThread> ThreadFactory::threads() const {
+    std::vector<KnownThread> threads;
+    Lock const lock(factoryLock);
+    for (auto const & [id, entry] : entries_) {
+        // The object is there as long as its entry.
+        SimpleThread const * const thread = entry->thread_;
+        threads.push_back({id, entry->sThreadId_, thread != nullptr ? thread->name() : String(), thread != nullptr,
+                           thread == nullptr || thread->living()});
+    }
+    return threads;
+}
+
 dumper & operator<<(dumper & d, THREAD_FACTORY const & factory) {
     struct Known {
         ThreadId id;

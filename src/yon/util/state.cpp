@@ -1,5 +1,6 @@
 #include "yon/util/state.h"
 
+#include <algorithm>
 #include <memory>
 #include <sstream>
 
@@ -8,7 +9,6 @@
 #include "yon/log/dumper.h"
 #include "yon/log/logger_factory.h"
 #include "yon/log/trace_mirror.h"
-#include "yon/mt/simple_thread.h"
 #include "yon/mt/thread_factory.h"
 #include "yon/platform/locks.h"
 #include "yon/pml/pml_stream.h"
@@ -72,12 +72,14 @@ void addStack(Unit & thread, unsigned id) {
 
 void addThreads(Unit & root) {
     Unit & threads = root["threads"];
-    for (ThreadFactory::Snapshot const & info : ThreadFactory::instance()->threads()) {
+    for (KnownThread const & known : ThreadFactory::instance()->threads()) {
         Unit & thread = addItem(threads, "thread");
-        add(thread, "id", "ulong", static_cast<ulong>(info.id));
-        add(thread, "identity", "", info.identity);
-        add(thread, "name", "", info.name);
-        addStack(thread, info.id);
+        ulong const id = static_cast<unsigned int>(known.id);
+        add(thread, "id", "ulong", id);
+        add(thread, "identity", "", known.identity);
+        if (known.ofLibrary) add(thread, "name", "", known.name);
+        add(thread, "living", "bool", known.living);
+        addStack(thread, id);
     }
 }
 

@@ -1,5 +1,7 @@
 #include "yon/util/test_leftovers.h"
 
+#include <algorithm>
+#include <chrono>
 #include <thread>
 
 #include "yon/base/stopwatch.h"
@@ -11,7 +13,11 @@ namespace yon::test {
 namespace {
 
 /// Those that the library has started and that still run.
-std::size_t libraryThreads() { return ThreadFactory::instance()->started(); }
+std::size_t libraryThreads() {
+    auto const threads = ThreadFactory::instance()->threads();
+    return static_cast<std::size_t>(
+        std::count_if(threads.begin(), threads.end(), [](KnownThread const & t) { return t.ofLibrary; }));
+}
 
 std::size_t timersSet() { return TimerManager::instance()->timers().size(); }
 
