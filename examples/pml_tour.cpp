@@ -1,6 +1,8 @@
 // A tour of pml: parse a document, ask it, change it, print it. docs/pml.md quotes the functions below.
 #include <iostream>
+#include <map>
 #include <stdexcept>
+#include <vector>
 
 #include "yon/yon.h"
 
@@ -70,6 +72,32 @@ bool reportErrors() {
     return false;
 }
 
+struct Settings {
+    bool volatile tracing = false;
+    yon::ushort port = 7400;
+    std::map<String, yon::Bit> enabled;
+    std::vector<String> peers;
+
+    /// One description for both ways.
+    void codec(yon::pml::stream & s) {
+        using yon::pml::field;
+        s & field("tracing", tracing) & field("port", port, "ushort") & field("enabled", enabled) &
+            field("peers", peers);
+    }
+};
+
+bool bindFields() {
+    Settings settings;
+    yon::pml::stream in("server(tracing(1) enabled(net(1) disk(0)) peers((beta)))");
+    settings.codec(in);  // an input stream: what is missing, as the port, stays as it is
+    settings.peers.push_back("gamma");
+    yon::pml::stream out;
+    settings.codec(out.name("server"));  // an output stream
+    std::cout << out << '\n';
+    return out.str(yon::pml::ShowMode::COMPACT) ==
+           "server(tracing(1)port:ushort(7400)enabled(disk(0)net(1))peers((beta)(gamma)))";
+}
+
 bool formatText() {
     String text;
     if (!yon::pml::format(istr("b(  x( 1 )y('2'))(* gone *)"), text, yon::pml::ShowMode::SIMPLE)) return false;
@@ -79,4 +107,4 @@ bool formatText() {
 
 }  // namespace
 
-int main() { return parseAndQuery() && build() && edit() && reportErrors() && formatText() ? 0 : 1; }
+int main() { return parseAndQuery() && build() && edit() && reportErrors() && bindFields() && formatText() ? 0 : 1; }

@@ -496,7 +496,7 @@ TEST(PmlParser, Files) {
         ntvFromPml(unit, file);
         ADD_FAILURE();
     } catch (std::invalid_argument const & e) {
-        EXPECT_EQ(e.what(), at(noBegin, 2, 3));
+        EXPECT_EQ(e.what(), noBegin + (" at " + path + ":2:3"));
     }
     write("");
     std::unique_ptr<Unit> const empty(newNTV(file));

@@ -22,6 +22,11 @@ public:
     bool open(std::ifstream & in) const;
     bool open(std::ofstream & out) const;
 
+    /// The content of a regular file; anything else, such as a pipe, is refused without waiting for it. Raises
+    /// `std::system_error`, which names the file and what is wrong; `std::errc::file_too_large` for more than `limit`
+    /// bytes.
+    String load(ulong limit = npos - 1) const;
+
 private:
     String filename_;
 };

@@ -9,13 +9,19 @@
 
 namespace yon::pml {
 
+/// The content of a file that was read already: the parser takes it for that file.
+struct FileText {
+    istr filename;
+    istr text;
+};
+
 /// Reads one node, or one value, into a node that the caller owns. An object serves one parse. Nesting is limited by
 /// memory only.
 ///
 /// Errors of the grammar, and names that stand twice in a list, are `std::invalid_argument` with a fixed text and the
-/// place of the offending token: "get type token at line 3, column 7". Lines count from 1 by line feeds, columns from
-/// 1 by bytes. What was complete by then stays in the node. Input that ends early is no error: the text so far
-/// counts.
+/// place of the offending token: "get type token at line 3, column 7", or for files "… at a.pml:3:7". Lines count
+/// from 1 by line feeds, columns from 1 by bytes. What was complete by then stays in the node. Input that ends early
+/// is no error: the text so far counts.
 class YON_API pmlParserBase {
 public:
     enum PasingState { PasingName, PasingType, PasingValue };
@@ -28,6 +34,7 @@ public:
     bool doParser(istr text);
     /// Reads the whole file, without its UTF-8 byte-order mark; false when it cannot be opened or read.
     bool doParser(File const & file);
+    bool doParser(FileText const & file);
     bool doParser(pmlLexer & lexer);
 
 private:
@@ -47,7 +54,8 @@ public:
     explicit pmlValueParser(Unit * unit) noexcept : pmlParserBase(unit, PasingValue) {}
 };
 
-/// What can be parsed: a stream, a C string (as an lvalue, which is advanced), a view, a `File`.
+/// What can be parsed: a stream, a C string (as an lvalue, which is advanced), a view, a `File`, a
+/// `FileText`.
 template <class S>
 concept PmlSource = requires(pmlParserBase & parser, S && source) {
     parser.doParser(source);

@@ -61,6 +61,10 @@ std::string failureText(int code);
 
 // --- files ---
 
+/// Opens a regular file for reading in binary form; the caller closes it. `operation_not_supported` for anything else,
+/// such as a directory, a device or a pipe, for which it does not wait.
+std::error_code openRegular(std::string const & name, std::FILE *& file);
+
 /// The file that a name means in the end, when it is a symbolic link; otherwise, or when that fails, the name.
 std::string linkTarget(std::string const & name);
 

@@ -39,6 +39,11 @@ struct Access {
 
     /// Appends a child, unless its key is taken.
     static bool tryAdd(ListValue & list, Unit * child, Unit * owner) { return list.tryAdd(child, owner); }
+    /// The child by name or "[n]", or null; never a step of a path.
+    static Unit * child(Unit const & unit, istr key) {
+        ListValue const * const list = unit.listValue();
+        return list != nullptr ? list->find(key) : nullptr;
+    }
     static void setType(Unit & unit, istr type) { unit.setType(type); }
     /// The index of names has looked at the node again.
     static void returnName(Unit & unit) noexcept { unit.nameLent_ = false; }

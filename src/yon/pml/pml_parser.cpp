@@ -21,7 +21,8 @@ using State = pmlParserBase::PasingState;
 template <class Source>
 class TreeBuilder {
 public:
-    TreeBuilder(Source & in, Unit & root) noexcept : in_(in), slab_(Slab::local()), root_(root), node_(&root) {}
+    TreeBuilder(Source & in, Unit & root, istr filename) noexcept
+        : in_(in), slab_(Slab::local()), root_(root), filename_(filename), node_(&root) {}
     TreeBuilder(TreeBuilder const &) = delete;
     TreeBuilder & operator=(TreeBuilder const &) = delete;
 
@@ -51,8 +52,11 @@ private:
 
     [[noreturn]] void raise(char const * error, Mark where) const {
         Position const at = in_.position(where);
-        throw std::invalid_argument(std::string(error) + " at line " + std::to_string(at.line) + ", column " +
-                                    std::to_string(at.column));
+        std::string const line = std::to_string(at.line);
+        std::string const column = std::to_string(at.column);
+        throw std::invalid_argument(std::string(error) + " at " +
+                                    (filename_.empty() ? "line " + line + ", column " + column
+                                                       : String(filename_) + ':' + line + ':' + column));
     }
 
     bool next() { return readToken(in_, token_, tokenStart_); }
@@ -165,6 +169,7 @@ private:
     Source & in_;
     Slab & slab_;
     Unit & root_;
+    istr const filename_;
     Unit * node_;  ///< being read, or null; owned, unless it is the root
     Mark start_{};
     Token token_;
@@ -174,8 +179,8 @@ private:
 };
 
 template <class Source>
-bool parse(Source & in, Unit & unit, State state) {
-    TreeBuilder<Source>(in, unit).build(state);
+bool parse(Source & in, Unit & unit, State state, istr filename = istr()) {
+    TreeBuilder<Source>(in, unit, filename).build(state);
     return true;
 }
 
@@ -213,9 +218,14 @@ bool pmlParserBase::doParser(File const & file) {
         text.append(block, 0, static_cast<std::size_t>(in.gcount()));
     }
     if (in.bad()) return false;
-    istr const content = text;
+    return doParser(FileText{file.filename(), text});
+}
+
+bool pmlParserBase::doParser(FileText const & file) {
     constexpr char const * byteOrderMark = "\xEF\xBB\xBF";
-    return doParser(content.beginWith(byteOrderMark) ? content.removeLeft(3) : content);
+    istr const text = file.text.beginWith(byteOrderMark) ? file.text.removeLeft(3) : file.text;
+    MemorySource source(text.begin(), text.end());
+    return parse(source, *unit_, state_, file.filename);
 }
 
 bool pmlParserBase::doParser(pmlLexer & lexer) {

@@ -30,6 +30,20 @@ void flushDirectoryOf(std::string const & file) {
 
 }  // namespace
 
+std::error_code openRegular(std::string const & name, std::FILE *& file) {
+    int const fd = ::open(name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) return systemError();
+    struct stat status;
+    std::error_code error;
+    if (::fstat(fd, &status) == 0 && !S_ISREG(status.st_mode)) {
+        error = std::make_error_code(std::errc::operation_not_supported);
+    } else if ((file = ::fdopen(fd, "rb")) == nullptr) {
+        error = systemError();
+    }
+    if (error) ::close(fd);
+    return error;
+}
+
 std::string linkTarget(std::string const & name) {
     std::unique_ptr<char, Free> const target(::realpath(name.c_str(), nullptr));
     return target ? target.get() : name;

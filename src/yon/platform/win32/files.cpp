@@ -16,6 +16,22 @@ std::error_code systemError() { return {static_cast<int>(::GetLastError()), std:
 
 }  // namespace
 
+std::error_code openRegular(std::string const & name, std::FILE *& file) {
+    DWORD const attributes = ::GetFileAttributesA(name.c_str());
+    auto const irregular = std::make_error_code(std::errc::operation_not_supported);
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return irregular;
+    int const fd = ::_open(name.c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+    if (fd < 0) return cError();
+    std::error_code error;
+    if (::GetFileType(reinterpret_cast<HANDLE>(::_get_osfhandle(fd))) != FILE_TYPE_DISK) {
+        error = irregular;
+    } else if ((file = ::_fdopen(fd, "rb")) == nullptr) {
+        error = cError();
+    }
+    if (error) ::_close(fd);
+    return error;
+}
+
 std::string linkTarget(std::string const & name) {
     DWORD const share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     HANDLE const file = ::CreateFileA(name.c_str(), 0, share, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);

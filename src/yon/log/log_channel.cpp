@@ -1,0 +1,111 @@
+#include "yon/log/log_channel.h"
+
+#include <mutex>
+
+#include "yon/log/emergency.h"
+#include "yon/platform/fork.h"
+
+namespace yon {
+
+/// All channels of the process. The lock comes before those of the channels.
+struct ChannelList {
+    static void add(LogChannel & c) noexcept {
+        PatientGuard const guard(lock);
+        if (!guard.owns()) return;
+        c.next_ = first;
+        if (first != nullptr) first->previous_ = &c;
+        first = &c;
+    }
+    static void remove(LogChannel & c) noexcept {
+        PatientGuard const guard(lock);
+        if (!guard.owns()) return;
+        (c.previous_ != nullptr ? c.previous_->next_ : first) = c.next_;
+        if (c.next_ != nullptr) c.next_->previous_ = c.previous_;
+    }
+    /// REQUIRES: the lock is held.
+    template <class Visit>
+    static void forEach(Visit visit) noexcept {
+        for (LogChannel * c = first; c != nullptr; c = c->next_) visit(*c);
+    }
+    template <class Visit>
+    static void forEachFile(Visit visit) noexcept {
+        forEach([&](LogChannel & c) {
+            visit(c.main);
+            visit(c.debug);
+        });
+    }
+
+    static constinit detail::SystemLock lock;
+    static constinit LogChannel * first;
+};
+
+constinit detail::SystemLock ChannelList::lock;
+constinit LogChannel * ChannelList::first = nullptr;
+
+namespace {
+
+void beforeFork() noexcept {
+    ChannelList::lock.lock();
+    ChannelList::forEach([](LogChannel & c) {
+        c.main.lock();
+        c.debug.lock();
+        c.names.lock();
+    });
+}
+
+void release() noexcept {
+    ChannelList::forEach([](LogChannel & c) {
+        c.names.unlock();
+        c.debug.unlock();
+        c.main.unlock();
+    });
+    ChannelList::lock.unlock();
+}
+
+void inChild() noexcept {
+    ChannelList::forEachFile([](LogFile & f) { f.forget(); });
+    release();
+}
+
+/// Writes everything out when the process ends or the library is unloaded. Lines that come later are written one by
+/// one, by loggers that are still there.
+struct AtEnd {
+    AtEnd() noexcept { platform::onFork(platform::ForkLayer::log, beforeFork, release, inChild); }
+    ~AtEnd() {
+        logIsEnding.store(true, std::memory_order_relaxed);
+        PatientGuard const guard(ChannelList::lock);
+        if (!guard.owns()) return;
+        ChannelList::forEachFile([](LogFile & f) {
+            f.flush();
+            f.close();
+        });
+    }
+} const atEnd;
+
+}  // namespace
+
+LogChannel::LogChannel(std::atomic<bool> const & useFile, std::atomic<bool> const & useDebugFile) noexcept
+    : main(useFile, names), debug(useDebugFile, names) {
+    ChannelList::add(*this);
+}
+
+LogChannel::~LogChannel() {
+    flush();
+    ChannelList::remove(*this);
+}
+
+void flushUntimed() noexcept {
+    PatientGuard const guard(ChannelList::lock);
+    if (!guard.owns()) return;
+    ChannelList::forEach([](LogChannel & c) {
+        if (c.untimed.load(std::memory_order_relaxed)) c.flush();
+    });
+}
+
+void emergencyFlush() noexcept {
+    if (!tryLockFor(ChannelList::lock, std::chrono::milliseconds(100))) return;
+    ChannelList::forEachFile([](LogFile & f) { f.writeRaw(); });
+    ChannelList::lock.unlock();
+}
+
+}  // namespace yon

@@ -1,0 +1,38 @@
+// `LogChannel`: the two files of a logger, known to the process so that no line is lost at its end.
+#pragma once
+
+#include "yon/log/log_file.h"
+
+namespace yon {
+
+/// Registers itself for the end of the process, crashes and forks for as long as it lives.
+class LogChannel {
+public:
+    /// The switches stay the caller's.
+    LogChannel(std::atomic<bool> const & useFile, std::atomic<bool> const & useDebugFile) noexcept;
+    LogChannel(LogChannel const &) = delete;
+    LogChannel & operator=(LogChannel const &) = delete;
+    ~LogChannel();
+
+    void flush() noexcept {
+        main.flush();
+        debug.flush();
+    }
+
+    /// Guards the names of both files, and what the logger finds by name.
+    mutable detail::SystemLock names;
+    LogFile main;
+    LogFile debug;
+    /// Nobody else flushes it from time to time.
+    std::atomic<bool> untimed{false};
+
+private:
+    friend struct ChannelList;
+    LogChannel * previous_ = nullptr;
+    LogChannel * next_ = nullptr;
+};
+
+/// Writes out the channels that nobody flushes from time to time.
+void flushUntimed() noexcept;
+
+}  // namespace yon

@@ -1,0 +1,262 @@
+#include "yon/log/log_file.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+#include <mutex>
+#include <utility>
+
+#include "yon/log/console.h"
+#include "yon/platform/platform.h"
+
+namespace yon {
+
+namespace {
+
+constexpr ulonglong maxFileSize = 10485760;
+/// What a cache holds whose file has no name.
+constexpr std::size_t maxNameless = 8u << 20;
+/// With that much beyond the limit in the cache, logging threads wait for the one that is to write it.
+constexpr std::size_t maxBacklog = 1u << 20;
+constexpr std::chrono::milliseconds rawPatience{100};
+constexpr ulonglong everything = std::numeric_limits<ulonglong>::max();
+
+std::string reason(int error) { return "(" + std::to_string(error) + ") " + platform::failureText(error); }
+
+}  // namespace
+
+/// What is to be told when the locks are released. Texts that find no memory are not told.
+class LogFile::Trouble {
+public:
+    void failedWrite(String const & name, int error) noexcept try {
+        error_ = "log file " + name + " cannot be written: " + reason(error) +
+                 "; its lines are lost until this is mended\n";
+    } catch (std::bad_alloc const &) {
+    }
+    void failedMove(String const & backup, int error) noexcept try {
+        backup_ = backup;
+        moveError_ = error;
+    } catch (std::bad_alloc const &) {
+    }
+    void tell() const noexcept try {
+        if (moveError_ != 0) tellFailedMove(backup_, moveError_);
+        if (!error_.empty()) std::fputs(error_.c_str(), stderr);
+    } catch (std::bad_alloc const &) {
+    }
+
+private:
+    std::string error_;
+    String backup_;
+    int moveError_ = 0;
+};
+
+String backupName(String const & name) { return name + ".bak"; }
+
+void tellFailedMove(String const & backup, int error) {
+    console::print("rename log file to " + backup + " failure: " + reason(error) + "\n");
+}
+
+bool takes(ulonglong size, ulonglong n, ulonglong maxSize) noexcept { return size <= maxSize - std::min(n, maxSize); }
+
+void LogFile::append(istr line, Limits const & limits) noexcept {
+    Level const level = add(line, limits);
+    if (level == Level::low) return;
+    // One thread waits for the file to write a full cache, whatever is in it by then; the others go on.
+    if (writerComes_.exchange(true, std::memory_order_acq_rel) && level == Level::full) return;
+    settle(everything);
+}
+
+LogFile::Level LogFile::add(istr line, Limits const & limits) noexcept try {
+    PatientGuard const guard(cacheLock_);
+    if (!guard.owns()) throw std::bad_alloc();
+    front_.append(line);
+    appended_.fetch_add(1, std::memory_order_release);
+    bool full = front_.lines() >= limits.lines;
+    if (!full) {
+        running_ += line.size();
+        full = running_ >= limits.bytes;
+    }
+    if (!named_.load(std::memory_order_relaxed) && wanted_.load(std::memory_order_relaxed)) {
+        if (full) running_ = 0;
+        dropped_.fetch_add(front_.dropOldest(maxNameless), std::memory_order_relaxed);
+        return Level::low;
+    }
+    if (logIsEnding.load(std::memory_order_relaxed)) return Level::flooded;
+    if (!full) return Level::low;
+    return front_.bytes() < limits.bytes + ulonglong{maxBacklog} ? Level::full : Level::flooded;
+} catch (std::bad_alloc const &) {
+    dropped_.fetch_add(1, std::memory_order_relaxed);
+    return Level::low;
+}
+
+void LogFile::flush() noexcept {
+    ulonglong const target = appended_.load(std::memory_order_acquire);
+    if (settled_.load(std::memory_order_acquire) < target) settle(target);
+}
+
+/// Writes the cache out, unless another thread has written so many lines meanwhile.
+void LogFile::settle(ulonglong target) noexcept {
+    Trouble trouble;
+    {
+        PatientGuard const guard(fileLock_);
+        if (!guard.owns() || settled_.load(std::memory_order_relaxed) >= target) return;
+        ulonglong upTo = 0;
+        if (!takeBatch(upTo)) return;
+        if (wanted_.load(std::memory_order_relaxed)) writeBatch(trouble);
+        back_.clear();
+        back_.shrink();
+        settled_.store(upTo, std::memory_order_release);
+    }
+    trouble.tell();
+}
+
+bool LogFile::takeBatch(ulonglong & upTo) noexcept {
+    writerComes_.store(false, std::memory_order_release);
+    PatientGuard const guard(cacheLock_);
+    if (!guard.owns()) return false;
+    running_ = 0;
+    if (!named_.load(std::memory_order_relaxed) && wanted_.load(std::memory_order_relaxed)) return false;
+    front_.swap(back_);
+    upTo = appended_.load(std::memory_order_relaxed);
+    return true;
+}
+
+void LogFile::writeBatch(Trouble & trouble) noexcept {
+    if (back_.empty()) return;
+    std::size_t const lines = back_.lines();
+    std::size_t const written = openFile(trouble) ? writeLines(trouble) : 0;
+    written_.fetch_add(written, std::memory_order_relaxed);
+    dropped_.fetch_add(lines - written, std::memory_order_relaxed);
+    if (written == lines) failing_ = false;
+    file_.rest();
+}
+
+/// Returns how many lines are in the file. What stands between two moves of the file is written at once.
+std::size_t LogFile::writeLines(Trouble & trouble) noexcept {
+    char const * data = back_.data();
+    std::size_t const end = back_.lines();
+    bool mayMove = true;
+    for (std::size_t line = 0; line < end;) {
+        if (mayMove && !takes(file_.size(), back_.length(line), maxFileSize)) {
+            mayMove = moveAway(trouble);
+            if (!openFile(trouble)) return line;
+        }
+        std::size_t const first = line;
+        ulonglong const start = file_.size();
+        std::size_t size = 0;
+        do {
+            size += back_.length(line++);
+        } while (line < end && (!mayMove || takes(start + size, back_.length(line), maxFileSize)));
+        if (int const error = file_.write(data, size); error != 0) {
+            if (!std::exchange(failing_, true)) trouble.failedWrite(name_, error);
+            return keepWhole(first, start);
+        }
+        data += size;
+    }
+    return end;
+}
+
+/// Cuts off the part of a line that an interrupted write has left, behind the lines from `first` on that begin at
+/// `start` in the file; returns the first line that is not in it.
+std::size_t LogFile::keepWhole(std::size_t first, ulonglong start) noexcept {
+    std::size_t line = first;
+    while (start + back_.length(line) <= file_.size()) start += back_.length(line++);
+    if (start < file_.size()) file_.truncate(name_.c_str(), start);
+    return line;
+}
+
+bool LogFile::openFile(Trouble & trouble) noexcept {
+    int const error = file_.open(name_.c_str());
+    if (error == 0) return true;
+    failedOpens_.fetch_add(1, std::memory_order_relaxed);
+    if (!std::exchange(failing_, true)) trouble.failedWrite(name_, error);
+    return false;
+}
+
+bool LogFile::moveAway(Trouble & trouble) noexcept try {
+    file_.close();
+    String const backup = backupName(name_);
+    int const error = platform::moveFile(name_.c_str(), backup.c_str());
+    if (error == 0) rotations_.fetch_add(1, std::memory_order_relaxed);
+    if (bool const told = std::exchange(moveFailing_, error != 0); !told && error != 0)
+        trouble.failedMove(backup, error);
+    return error == 0;
+} catch (std::bad_alloc const &) {
+    return false;
+}
+
+void LogFile::rename(istr name) {
+    settle(everything);
+    String text = name;
+    PatientGuard const guard(fileLock_);
+    if (!guard.owns()) return;
+    file_.close();
+    std::lock_guard const nameGuard(nameLock_);
+    named_.store(!text.empty(), std::memory_order_relaxed);
+    name_.swap(text);
+}
+
+String LogFile::name() const {
+    std::lock_guard const guard(nameLock_);
+    return name_;
+}
+
+void LogFile::count(logger::Counters & sum) const noexcept {
+    sum.written += written_.load(std::memory_order_relaxed);
+    sum.dropped += dropped_.load(std::memory_order_relaxed);
+    sum.failedOpens += failedOpens_.load(std::memory_order_relaxed);
+    sum.rotations += rotations_.load(std::memory_order_relaxed);
+}
+
+std::list<String> LogFile::pending() const {
+    std::list<String> lines;
+    std::lock_guard const guard(cacheLock_);
+    char const * data = front_.data();
+    for (std::size_t line = 0; line < front_.lines(); data += front_.length(line++))
+        lines.emplace_back(istr(data, front_.length(line)));
+    return lines;
+}
+
+ulong LogFile::runningSize() const noexcept {
+    std::lock_guard const guard(cacheLock_);
+    return toLength(running_);
+}
+
+void LogFile::close() noexcept {
+    PatientGuard const guard(fileLock_);
+    if (guard.owns()) file_.close();
+}
+
+void LogFile::writeRaw() noexcept {
+    if (!wanted_.load(std::memory_order_relaxed) || !named_.load(std::memory_order_relaxed)) return;
+    if (!tryLockFor(cacheLock_, rawPatience)) return;
+    // Where a batch is being written, perhaps by the very thread that crashed, the file is opened a second time.
+    bool const own = tryLockFor(fileLock_, rawPatience);
+    if (!front_.empty() && (own || nameLock_.tryLock())) {
+        platform::AppendFile second;
+        platform::AppendFile & file = own ? file_ : second;
+        if (file.open(name_.c_str()) == 0) file.write(front_.data(), front_.bytes());
+        front_.clear();
+        if (!own) nameLock_.unlock();
+    }
+    if (own) fileLock_.unlock();
+    cacheLock_.unlock();
+}
+
+void LogFile::lock() noexcept {
+    fileLock_.lock();
+    cacheLock_.lock();
+}
+
+void LogFile::unlock() noexcept {
+    cacheLock_.unlock();
+    fileLock_.unlock();
+}
+
+void LogFile::forget() noexcept {
+    front_.clear();
+    back_.clear();
+    settled_.store(appended_.load(std::memory_order_relaxed), std::memory_order_relaxed);
+}
+
+}  // namespace yon

@@ -1,0 +1,106 @@
+// `LogFile`: one file of a logger, and the cache of lines that wait for it.
+#pragma once
+
+#include <atomic>
+#include <list>
+
+#include "yon/base/string.h"
+#include "yon/log/line_batch.h"
+#include "yon/log/logger.h"
+#include "yon/log/patient_guard.h"
+#include "yon/platform/append_file.h"
+
+namespace yon {
+
+/// Keeps lines until there are enough of them, and appends them to a file that it moves away when it has grown too
+/// large. Any thread may call anything at any time; nothing but `rename` and `pending` raises anything.
+///
+/// Lines are appended under the cache lock. A thread that writes holds the file lock and takes the whole cache at once,
+/// so that others go on logging meanwhile; those who wait for the file then find their lines written.
+///
+/// Trouble with the file is told once, on the console or on standard error, until it is over.
+class LogFile {
+public:
+    /// When the cache is written out.
+    struct Limits {
+        ulong lines;
+        ulong bytes;
+    };
+
+    /// Both stay the caller's: the switch that says whether lines are to be written (if not, they are forgotten when
+    /// their time comes), and the lock of the name.
+    LogFile(std::atomic<bool> const & wanted, detail::SystemLock & nameLock) noexcept
+        : wanted_(wanted), nameLock_(nameLock) {}
+
+    void append(istr line, Limits const & limits) noexcept;
+    /// Returns when everything that was appended before is in the file, or lost. Does nothing without a name.
+    void flush() noexcept;
+
+    /// Gives the file another name. What is cached goes to the one before.
+    void rename(istr name);
+    String name() const;
+
+    /// Adds what became of the lines.
+    void count(logger::Counters & sum) const noexcept;
+    /// A copy of the cached lines, and the size that counts towards the limit.
+    std::list<String> pending() const;
+    ulong runningSize() const noexcept;
+
+    // For a process that ends, crashes or forks.
+
+    /// Closes the file until it is needed again.
+    void close() noexcept;
+    /// Writes the cached lines without memory, and without waiting for a lock for long. Callable from a signal handler.
+    void writeRaw() noexcept;
+    /// Take and release the locks of file and cache.
+    void lock() noexcept;
+    void unlock() noexcept;
+    /// Forgets the cached lines. REQUIRES: the locks are held.
+    void forget() noexcept;
+
+private:
+    class Trouble;
+    enum class Level { low, full, flooded };
+
+    Level add(istr line, Limits const & limits) noexcept;
+    void settle(ulonglong target) noexcept;
+    bool takeBatch(ulonglong & upTo) noexcept;
+    void writeBatch(Trouble & trouble) noexcept;
+    std::size_t writeLines(Trouble & trouble) noexcept;
+    bool openFile(Trouble & trouble) noexcept;
+    bool moveAway(Trouble & trouble) noexcept;
+    std::size_t keepWhole(std::size_t first, ulonglong start) noexcept;
+
+    std::atomic<bool> const & wanted_;
+    detail::SystemLock & nameLock_;
+
+    mutable detail::SystemLock cacheLock_;
+    LineBatch front_;        ///< the cache
+    ulonglong running_ = 0;  ///< bytes that count towards the limit
+    std::atomic<ulonglong> appended_{0};
+    std::atomic<ulonglong> settled_{0};    ///< of those, how many were written, lost or forgotten
+    std::atomic<bool> writerComes_{false};  ///< somebody waits for the file to write a full cache
+    std::atomic<bool> named_{false};
+
+    // Under the file lock.
+    detail::SystemLock fileLock_;
+    LineBatch back_;  ///< what is being written
+    platform::AppendFile file_;
+    bool failing_ = false;  ///< told, and not over yet
+    bool moveFailing_ = false;
+    String name_;  ///< written under both locks, read under one of them
+
+    std::atomic<ulonglong> written_{0};
+    std::atomic<ulonglong> dropped_{0};
+    std::atomic<ulonglong> failedOpens_{0};
+    std::atomic<ulonglong> rotations_{0};
+};
+
+/// Where a file goes that has grown too large.
+String backupName(String const & name);
+/// Says on the console that it could not be moved there.
+void tellFailedMove(String const & backup, int error);
+/// Whether a file of this size takes `n` more bytes.
+bool takes(ulonglong size, ulonglong n, ulonglong maxSize) noexcept;
+
+}  // namespace yon

@@ -1,0 +1,50 @@
+// `PatientGuard`: holds a lock, but does not wait for ever while the process ends.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include "yon/mt/critical_section.h"
+#include "yon/platform/process_end.h"
+
+namespace yon {
+
+/// Set when the process, or the library, is about to go. From then on lines are written at once.
+inline constinit std::atomic<bool> logIsEnding{false};
+
+/// Waits for a lock a little while. Callable from a signal handler.
+inline bool tryLockFor(detail::SystemLock & lock, std::chrono::milliseconds patience) noexcept {
+    for (auto left = patience.count(); !lock.tryLock(); --left) {
+        if (left <= 0) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+/// Holds a lock if `owns()`: at the end of the process the owner of a lock may be gone for good, so the wait is short
+/// then.
+class PatientGuard {
+public:
+    explicit PatientGuard(detail::SystemLock & lock) noexcept : lock_(lock), owns_(lock.tryLock() || wait()) {}
+    PatientGuard(PatientGuard const &) = delete;
+    PatientGuard & operator=(PatientGuard const &) = delete;
+    ~PatientGuard() {
+        if (owns_) lock_.unlock();
+    }
+
+    bool owns() const noexcept { return owns_; }
+
+private:
+    [[gnu::noinline]] bool wait() noexcept {
+        if (logIsEnding.load(std::memory_order_relaxed) || platform::othersAreGone())
+            return tryLockFor(lock_, std::chrono::milliseconds(500));
+        lock_.lock();
+        return true;
+    }
+
+    detail::SystemLock & lock_;
+    bool const owns_;
+};
+
+}  // namespace yon

@@ -1,0 +1,47 @@
+// The seam for files that lines are appended to. Nothing in here raises; errors are the system's codes, 0 for none.
+//
+// Names are in UTF-8 or, where they are no UTF-8, in the system's code page.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "yon/base/types.h"
+
+namespace yon::platform {
+
+/// A file that is open for appending in binary form and not inherited by child processes. The name stays the
+/// caller's. One thread at a time.
+class AppendFile {
+public:
+    AppendFile() noexcept = default;
+    AppendFile(AppendFile const &) = delete;
+    AppendFile & operator=(AppendFile const &) = delete;
+    ~AppendFile() { close(); }
+
+    /// Gets the file that has this name now ready for writing; one that is missing is made, with the permissions that
+    /// the process gives new files. A file that is still open is used again if the name means it.
+    int open(char const * name) noexcept;
+    /// Bytes in the file when it was opened, and those written since.
+    ulonglong size() const noexcept { return size_; }
+    /// Writes everything. After an error the part of it that `size()` counts stands in the file.
+    int write(char const * data, std::size_t size) noexcept;
+    /// Takes off what stands behind `size` bytes, if the system allows it. REQUIRES: an open file of this name.
+    void truncate(char const * name, ulonglong size) noexcept;
+    /// Writing is over for now: where an open file keeps others from moving or removing it, it is closed.
+    void rest() noexcept;
+    void close() noexcept;
+
+private:
+    static constexpr std::intptr_t closed = -1;
+
+    std::intptr_t handle_ = closed;
+    ulonglong size_ = 0;
+    ulonglong volume_ = 0;  ///< with `file_` what tells the file from others, where it stays open
+    ulonglong file_ = 0;
+};
+
+/// Moves a file, and replaces one that has the new name. Between volumes it copies.
+int moveFile(char const * from, char const * to) noexcept;
+
+}  // namespace yon::platform
