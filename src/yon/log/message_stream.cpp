@@ -1,0 +1,134 @@
+#include "yon/log/message_stream.h"
+
+#include <memory>
+
+#include "yon/base/exception.h"
+#include "yon/log/per_thread.h"
+
+namespace yon::detail {
+
+namespace {
+
+/// A growing output buffer that keeps its block from one message to the next.
+class MessageBuffer final : public std::streambuf {
+public:
+    char const * c_str() noexcept {
+        if (pptr() == nullptr) return "";
+        *pptr() = '\0';
+        return pbase();
+    }
+    void reset() {
+        if (block_.size() > kept) block_ = std::string();
+        open(0);
+    }
+
+protected:
+    int_type overflow(int_type c) override {
+        if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
+        std::size_t const used = static_cast<std::size_t>(pptr() - pbase());
+        block_.resize(std::max<std::size_t>(256, 2 * block_.size()));
+        open(used);
+        return sputc(traits_type::to_char_type(c));
+    }
+
+private:
+    static constexpr std::size_t kept = 64 * 1024;
+
+    /// Lays the room behind the first `used` characters open; one character stays for the terminator.
+    void open(std::size_t used) {
+        if (block_.empty()) return setp(nullptr, nullptr);
+        setp(block_.data(), block_.data() + block_.size() - 1);
+        for (; used > step; used -= step) pbump(step);
+        pbump(static_cast<int>(used));
+    }
+    static constexpr int step = 1 << 30;
+
+    std::string block_;
+};
+
+}  // namespace
+
+class MessageStream::Stream {
+public:
+    Stream() : os_(&buffer_) {
+        os_.imbue(std::locale::classic());
+        usual_.copyfmt(os_);
+    }
+
+    std::ostream & os() noexcept { return os_; }
+    /// Undoes whatever the last message did to buffer and format.
+    void reset() {
+        buffer_.reset();
+        os_.clear();
+        os_.copyfmt(usual_);
+    }
+
+    Stream * next = nullptr;
+
+private:
+    MessageBuffer buffer_;
+    std::ostream os_;
+    std::ios usual_{nullptr};
+};
+
+namespace {
+
+/// The streams of a thread that are not in use.
+struct Spares {
+    ~Spares() {
+        while (first != nullptr) delete take();
+    }
+    MessageStream::Stream * take() noexcept {
+        MessageStream::Stream * const s = first;
+        first = s->next;
+        return s;
+    }
+    void put(MessageStream::Stream * s) noexcept {
+        s->next = first;
+        first = s;
+    }
+    MessageStream::Stream * first = nullptr;
+};
+
+}  // namespace
+
+MessageStream::MessageStream() {
+    Spares * const spares = PerThread<Spares>::get();
+    stream_ = spares != nullptr && spares->first != nullptr ? spares->take() : new Stream;
+}
+
+MessageStream::~MessageStream() {
+    Spares * const spares = PerThread<Spares>::get();
+    std::unique_ptr<Stream> stream(stream_);
+    if (spares == nullptr) return;
+    try {
+        stream->reset();
+        spares->put(stream.release());
+    } catch (...) {
+    }
+}
+
+std::ostream & MessageStream::stream() noexcept { return stream_->os(); }
+
+char const * messageText(std::ostream & os) noexcept {
+    auto * const buffer = dynamic_cast<MessageBuffer *>(os.rdbuf());
+    return buffer != nullptr ? buffer->c_str() : "";
+}
+
+void writeCaught(logger & log, diagnostics::Location const & where, std::exception const & e) noexcept {
+    try {
+        MessageStream message;
+        std::ostream & os = message.stream();
+        if (auto const * const own = dynamic_cast<Exception const *>(&e)) {
+            os << *own;
+        } else if (auto const * const base = dynamic_cast<ExceptionBase const *>(&e)) {
+            os << *base;
+        } else {
+            os << e;
+        }
+        writeExcptLog(log, where.file, where.line, where.func, messageText(os));
+    } catch (...) {
+    }
+}
+
+}  // namespace yon::detail
