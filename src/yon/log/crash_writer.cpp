@@ -116,14 +116,14 @@ void CrashWriter::time(char const * name, longlong microseconds) noexcept {
     put(" UTC')\n");
 }
 
-void CrashWriter::call(char const * func, char const * file, unsigned line) noexcept {
-    begin("", "call");
+void CrashWriter::call(diagnostics::Location const & where, char const * name, char const * type) noexcept {
+    begin(name, type);
     put('\'');
-    escaped(func);
+    escaped(where.func);
     put('(');
-    escaped(file);
+    escaped(where.file);
     put(':');
-    digits(line);
+    digits(where.line);
     put(")')\n");
 }
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
 
+#include "yon/base/diagnostics.h"
 #include "yon/base/types.h"
 
 namespace yon {
@@ -30,8 +30,8 @@ public:
     void hex(char const * name, ulonglong value) noexcept;
     /// A moment in microseconds since 1970 as a date-time in UTC.
     void time(char const * name, longlong microseconds) noexcept;
-    /// A call: "func(file:line)".
-    void call(char const * func, char const * file, unsigned line) noexcept;
+    /// A node with "func(file:line)".
+    void call(diagnostics::Location const & where, char const * name = "", char const * type = "call") noexcept;
 
     void flush() noexcept;
 

@@ -1,20 +1,17 @@
-// The seam for crashes: how the system tells of them, and what still works then.
+// The seam for crashes: how the system tells of them, and what still works then. Nothing in here raises but
+// `programPath`.
 #pragma once
 
 #include <cstddef>
 #include <string>
 
-#include "yon/base/types.h"
-
 namespace yon::platform {
-
-// --- the end of the process ---
 
 /// Why the process ends.
 struct CrashCause {
-    char const * name;  ///< "SIGSEGV", "EXCEPTION_ACCESS_VIOLATION"; empty where the code has no name
-    unsigned code;      ///< the number of the signal, or the code of the exception
-    bool located;       ///< whether `address` means anything
+    char const * name;    ///< "SIGSEGV", "EXCEPTION_ACCESS_VIOLATION"; empty where the code has no name
+    unsigned code;        ///< the number of the signal, or the code of the exception
+    bool located;         ///< whether `address` means anything
     std::size_t address;  ///< what was accessed, or where the fault is
 };
 
@@ -23,8 +20,8 @@ using CrashHandler = bool (*)(CrashCause const & cause) noexcept;
 
 /// Calls the handler in the thread that crashes, perhaps in several threads at once, and then lets happen what would
 /// have happened without it: the earlier handlers and the default action of the system, with its exit status and core
-/// dump. A crash within the handler ends the process at once or calls it again. What the process ignores stays ignored.
-/// The handler may call what is safe in a signal handler only.
+/// dump. A crash within the handler ends the process or calls it again. What the process ignores stays ignored. The
+/// handler calls only what is safe in a signal handler. One thread at a time.
 void watchCrashes(CrashHandler handler) noexcept;
 /// Puts back what was there before, as far as nobody else has put something in its place.
 void unwatchCrashes() noexcept;
@@ -32,32 +29,19 @@ void unwatchCrashes() noexcept;
 /// Pauses the calling thread. Safe in a signal handler.
 void pauseInCrash(unsigned milliseconds) noexcept;
 
-// --- the file of the report ---
-
-/// A file that is opened beforehand, so that only writing is left to do, and that gets its name with the first text
-/// that is written; it then replaces an older one. Where the system has no such files it is made in that moment. One
-/// for the process, constant-initialised and never destroyed; `write` and `abandon` are safe in a signal handler. Not
-/// inherited by child processes.
-class CrashFile {
-public:
-    /// The name stays the caller's. Returns 0, or the system's error if the file could not be written now.
-    int prepare(char const * name) noexcept;
-    /// Whether it could be opened and everything was written so far.
-    bool write(char const * data, std::size_t size) noexcept;
-    /// Closes the file, which vanishes if nothing was written.
-    void abandon() noexcept;
-    /// For a forked process: leaves the file to the parent and makes one of this name when it is needed.
-    void rename(char const * name) noexcept;
-
-private:
-    void appear() noexcept;
-
-    char const * name_ = nullptr;
-    bool visible_ = false;
-    std::intptr_t handle_ = -1;
-};
-
-// --- the program ---
+/// Opens the file for the report beforehand, so that only writing is left to do. It gets its name with the first text
+/// and then replaces an older one; until then it vanishes with the process. Where the system has no such files it is
+/// made with the first text. Names are in UTF-8 or, where they are no UTF-8, in the system's code page; relative ones
+/// are relative to the present directory. Not inherited by child processes. Returns 0, or the system's error if the
+/// file could not be written now. One thread at a time.
+int prepareCrashFile(std::string const & name) noexcept;
+/// Returns whether all was written. Safe in a signal handler.
+bool writeCrashFile(char const * data, std::size_t size) noexcept;
+/// Closes the file.
+void closeCrashFile() noexcept;
+/// In a forked process: leaves the file to the parent. A file of its own has the name with "." and the process id
+/// behind it. Safe in a signal handler.
+void leaveCrashFile() noexcept;
 
 /// The file of the running program, with its directory where the system knows it.
 std::string programPath();

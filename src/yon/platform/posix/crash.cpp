@@ -101,7 +101,8 @@ void unwatchCrashes() noexcept {
 }
 
 void pauseInCrash(unsigned milliseconds) noexcept {
-    timespec const pause = {static_cast<time_t>(milliseconds / 1000), static_cast<long>(milliseconds % 1000) * 1000000};
+    timespec const pause = {static_cast<time_t>(milliseconds / 1000),
+                            static_cast<long>(milliseconds % 1000) * 1000000};
     ::nanosleep(&pause, nullptr);
 }
 

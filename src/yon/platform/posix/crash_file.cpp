@@ -12,41 +12,94 @@ namespace yon::platform {
 namespace {
 
 constexpr mode_t permissions = S_IRUSR | S_IWUSR | S_IRGRP;
-constexpr std::size_t maxPath = 4096;
+constexpr int none = -1;
 
-int openNamed(char const * name) noexcept {
-    return ::open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY, permissions);
+constinit char fileName[4096] = "";
+constinit int file = none;
+constinit bool visible = false;
+
+/// Room for a number and its NUL.
+using Digits = char[24];
+
+/// Writes a number to the end of the room; returns where it begins.
+char * decimal(Digits & room, unsigned long value) noexcept {
+    char * p = room + sizeof room - 1;
+    *p = '\0';
+    do {
+        *--p = static_cast<char>('0' + value % 10);
+        value /= 10;
+    } while (value != 0);
+    return p;
+}
+
+/// Sets the name, in an absolute form.
+bool setName(std::string const & name) noexcept {
+    std::size_t size = 0;
+    if (name.empty() || name.front() != '/') {
+        if (::getcwd(fileName, sizeof fileName) == nullptr) return false;
+        size = std::strlen(fileName);
+        fileName[size++] = '/';
+    }
+    // Forked processes add their number.
+    if (size + name.size() + sizeof(Digits) > sizeof fileName) {
+        fileName[0] = '\0';
+        errno = ENAMETOOLONG;
+        return false;
+    }
+    std::memcpy(fileName + size, name.c_str(), name.size() + 1);
+    return true;
 }
 
 /// A file without a name in the directory where the named one is to be.
-int openNameless(char const * name) noexcept {
-    char directory[maxPath];
-    char const * const slash = std::strrchr(name, '/');
-    std::size_t const size = slash != nullptr ? static_cast<std::size_t>(slash - name) + 1 : 0;
-    if (size >= maxPath) return -1;
-    std::memcpy(directory, name, size);
-    std::strcpy(directory + size, size == 0 ? "." : "");
-    return ::open(directory, O_WRONLY | O_TMPFILE | O_CLOEXEC, permissions);
+int openNameless() noexcept {
+    char * const end = std::strrchr(fileName, '/') + 1;
+    char const first = *end;
+    *end = '\0';
+    int const fd = ::open(fileName, O_WRONLY | O_TMPFILE | O_CLOEXEC, permissions);
+    *end = first;
+    return fd;
 }
 
-/// Gives an open file a name.
-bool link(std::intptr_t fd, char const * name) noexcept {
+/// What can be done on a file system without nameless files: to see whether the file can be made.
+int tryOut() noexcept {
+    bool const existed = ::access(fileName, F_OK) == 0;
+    int const fd = ::open(fileName, O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, permissions);
+    if (fd < 0) return errno;
+    ::close(fd);
+    if (!existed) ::unlink(fileName);
+    return 0;
+}
+
+/// Gives the nameless file its name.
+bool link() noexcept {
     char self[64] = "/proc/self/fd/";
-    char * p = self + std::strlen(self);
-    char digits[20];
-    int n = 0;
-    do {
-        digits[n++] = static_cast<char>('0' + fd % 10);
-        fd /= 10;
-    } while (fd != 0);
-    while (n != 0) *p++ = digits[--n];
-    ::unlink(name);
-    return ::linkat(AT_FDCWD, self, AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
+    Digits room;
+    std::strcat(self, decimal(room, static_cast<unsigned long>(file)));
+    ::unlink(fileName);
+    return ::linkat(AT_FDCWD, self, AT_FDCWD, fileName, AT_SYMLINK_FOLLOW) == 0;
 }
 
-bool writeAll(int fd, char const * data, std::size_t size) noexcept {
+void appear() noexcept {
+    visible = true;
+    if (file != none && link()) return;
+    if (file != none) ::close(file);
+    file = ::open(fileName, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY, permissions);
+}
+
+}  // namespace
+
+int prepareCrashFile(std::string const & name) noexcept {
+    closeCrashFile();
+    if (!setName(name)) return errno;
+    file = openNameless();
+    return file != none ? 0 : tryOut();
+}
+
+bool writeCrashFile(char const * data, std::size_t size) noexcept {
+    if (fileName[0] == '\0') return false;
+    if (!visible) appear();
     while (size != 0) {
-        ssize_t const n = ::write(fd, data, size);
+        ssize_t const n = ::write(file, data, size);
         if (n < 0 && errno == EINTR) continue;
         if (n <= 0) return false;
         data += n;
@@ -55,48 +108,21 @@ bool writeAll(int fd, char const * data, std::size_t size) noexcept {
     return true;
 }
 
-}  // namespace
-
-int CrashFile::prepare(char const * name) noexcept {
-    abandon();
-    name_ = name;
-    handle_ = openNameless(name);
-    if (handle_ >= 0) return 0;
-    // The file system has no such files: all that can be done is to see whether one can be made.
-    struct stat status;
-    bool const existed = ::stat(name, &status) == 0;
-    int const fd = ::open(name, O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, permissions);
-    if (fd < 0) return errno;
-    ::close(fd);
-    if (!existed) ::unlink(name);
-    return 0;
+void closeCrashFile() noexcept {
+    if (file != none) ::close(file);
+    file = none;
+    visible = false;
+    fileName[0] = '\0';
 }
 
-void CrashFile::appear() noexcept {
-    if (handle_ >= 0 && !link(handle_, name_)) {
-        ::close(static_cast<int>(handle_));
-        handle_ = -1;
-    }
-    if (handle_ < 0) handle_ = openNamed(name_);
-    visible_ = true;
-}
-
-bool CrashFile::write(char const * data, std::size_t size) noexcept {
-    if (name_ == nullptr) return false;
-    if (!visible_) appear();
-    return writeAll(static_cast<int>(handle_), data, size);
-}
-
-void CrashFile::abandon() noexcept {
-    if (handle_ >= 0) ::close(static_cast<int>(handle_));
-    handle_ = -1;
-    visible_ = false;
-    name_ = nullptr;
-}
-
-void CrashFile::rename(char const * name) noexcept {
-    abandon();
-    name_ = name;
+void leaveCrashFile() noexcept {
+    if (file != none) ::close(file);
+    file = none;
+    visible = false;
+    if (fileName[0] == '\0') return;
+    Digits room;
+    std::strcat(fileName, ".");
+    std::strcat(fileName, decimal(room, static_cast<unsigned long>(::getpid())));
 }
 
 }  // namespace yon::platform

@@ -1,66 +1,72 @@
 #include <windows.h>
 
 #include "yon/platform/crash.h"
+#include "yon/platform/win32/wide_name.h"
 
 namespace yon::platform {
 
 namespace {
 
-constexpr std::intptr_t none = -1;
+constinit wchar_t fileName[32768] = L"";
+HANDLE file = INVALID_HANDLE_VALUE;
+constinit bool visible = false;
 
-HANDLE handleOf(std::intptr_t h) noexcept { return reinterpret_cast<HANDLE>(h); }
-
-std::intptr_t open(char const * name, DWORD disposition) noexcept {
-    return reinterpret_cast<std::intptr_t>(::CreateFileA(name, GENERIC_WRITE | DELETE, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                                                         nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+HANDLE open(DWORD disposition) noexcept {
+    return ::CreateFileW(fileName, GENERIC_WRITE | DELETE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, disposition,
+                         FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
 /// While a file is marked, nobody else can open it, and it vanishes when it is closed, whoever ends the process.
-void markForRemoval(std::intptr_t handle, bool marked) noexcept {
+void markForRemoval(bool marked) noexcept {
     FILE_DISPOSITION_INFO info;
     info.DeleteFile = marked;
-    ::SetFileInformationByHandle(handleOf(handle), FileDispositionInfo, &info, sizeof info);
+    ::SetFileInformationByHandle(file, FileDispositionInfo, &info, sizeof info);
+}
+
+void appear() noexcept {
+    visible = true;
+    if (file == INVALID_HANDLE_VALUE) {
+        file = open(CREATE_ALWAYS);
+    } else {
+        markForRemoval(false);
+        ::SetEndOfFile(file);
+    }
 }
 
 }  // namespace
 
-int CrashFile::prepare(char const * name) noexcept {
-    abandon();
-    name_ = name;
-    handle_ = open(name, CREATE_NEW);
-    if (handle_ != none) {
-        markForRemoval(handle_, true);
+int prepareCrashFile(std::string const & name) noexcept {
+    closeCrashFile();
+    DWORD const room = sizeof fileName / sizeof *fileName;
+    DWORD const size = ::GetFullPathNameW(WideName(name.c_str()).get(), room, fileName, nullptr);
+    if (size == 0 || size >= room) {
+        fileName[0] = L'\0';
+        return size == 0 ? static_cast<int>(::GetLastError()) : ERROR_FILENAME_EXCED_RANGE;
+    }
+    file = open(CREATE_NEW);
+    if (file != INVALID_HANDLE_VALUE) {
+        markForRemoval(true);
         return 0;
     }
     // An earlier report stays until it is replaced.
-    handle_ = open(name, OPEN_EXISTING);
-    return handle_ != none ? 0 : static_cast<int>(::GetLastError());
+    file = open(OPEN_EXISTING);
+    return file != INVALID_HANDLE_VALUE ? 0 : static_cast<int>(::GetLastError());
 }
 
-void CrashFile::appear() noexcept {
-    if (handle_ == none) handle_ = open(name_, CREATE_ALWAYS);
-    markForRemoval(handle_, false);
-    ::SetEndOfFile(handleOf(handle_));
-    visible_ = true;
-}
-
-bool CrashFile::write(char const * data, std::size_t size) noexcept {
-    if (name_ == nullptr) return false;
-    if (!visible_) appear();
+bool writeCrashFile(char const * data, std::size_t size) noexcept {
+    if (fileName[0] == L'\0') return false;
+    if (!visible) appear();
     DWORD written = 0;
-    return ::WriteFile(handleOf(handle_), data, static_cast<DWORD>(size), &written, nullptr) && written == size;
+    return ::WriteFile(file, data, static_cast<DWORD>(size), &written, nullptr) && written == size;
 }
 
-void CrashFile::abandon() noexcept {
-    if (handle_ != none) ::CloseHandle(handleOf(handle_));
-    handle_ = none;
-    visible_ = false;
-    name_ = nullptr;
+void closeCrashFile() noexcept {
+    if (file != INVALID_HANDLE_VALUE) ::CloseHandle(file);
+    file = INVALID_HANDLE_VALUE;
+    visible = false;
+    fileName[0] = L'\0';
 }
 
-void CrashFile::rename(char const * name) noexcept {
-    abandon();
-    name_ = name;
-}
+void leaveCrashFile() noexcept {}
 
 }  // namespace yon::platform
