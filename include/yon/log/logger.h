@@ -31,8 +31,8 @@ public:
 ///
 /// Lines are kept in a cache for each file and written out when the cache holds `maxNumofMsg` lines or `maxCacheSize`
 /// bytes, by `flush()`, every second while the timer service runs, and at exit. A line that would take a file past
-/// 10 MiB moves the file to its name with ".bak" first. Without a file name a cache keeps up to 8 MiB, then the oldest
-/// lines go.
+/// 10 MiB moves the file to its name with ".bak" first. Without a file name a cache keeps up to 8 MiB, then the
+/// oldest lines go.
 class YON_API logger {
 public:
     /// What became of the lines of both files.
@@ -53,8 +53,8 @@ public:
     /// Once: reads the configuration, takes the identity and registers the flush timer. A configuration that cannot
     /// be read is reported on standard error and changes nothing.
     logger & init(std::string const & id) noexcept;
-    /// Reads the configuration file again, or another one. A broken one is reported on standard error, with the place,
-    /// and leaves the settings in force.
+    /// Reads the configuration file again, or another one. A broken one is reported on standard error, with the
+    /// place, and leaves the settings in force.
     void reload() noexcept;
     void reload(istr const & configFile) noexcept;
     /// Binds the settings to their keys: writes them to an output stream, takes from an input stream those it has.

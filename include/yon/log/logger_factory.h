@@ -8,8 +8,9 @@
 
 namespace yon {
 
-/// Hands out loggers. All functions may be called from any thread. The first call for an identity makes the logger and
-/// initialises it from the configuration file. Loggers live until `destroy()`; without it until the process is gone.
+/// Hands out loggers. All functions may be called from any thread. The first call for an identity makes the logger
+/// and initialises it from the configuration file. Loggers live until `destroy()`; without it until the process is
+/// gone.
 class YON_API logger_factory {
 public:
     static logger & instance(std::string const & id);

@@ -33,6 +33,9 @@ private:
     Stream * stream_;
 };
 
+/// Deletes a list of streams.
+void deleteStreams(MessageStream::Stream * first) noexcept;
+
 /// The NUL-terminated text of a message, of which `os` is the stream; valid until the `MessageStream` goes.
 YON_API char const * messageText(std::ostream & os) noexcept;
 

@@ -1,8 +1,8 @@
 // The records of the log: each function formats one event and hands it to a logger.
 //
 // Records with a header begin with the date-time and identity texts of the calling thread and the logger's identity.
-// Framed records are blocks 118 characters wide with their title at the right margin, the location and the traced call
-// stack. `file`, `func` and titles are NUL-terminated. Callable from any thread; they let nothing out.
+// Framed records are blocks 118 characters wide with their title at the right margin, the location and the traced
+// call stack. `file`, `func` and titles are NUL-terminated. Callable from any thread; they let nothing out.
 #pragma once
 
 #include "yon/base/config.h"

@@ -15,8 +15,8 @@ namespace yon {
 class dumper;
 class logger;
 
-/// The traced call stacks of all threads; each call concerns the calling thread's. A fixed mirror of each stack (pointers
-/// to the literals) is kept where a crash handler can read it without a lock.
+/// The traced call stacks of all threads; each call concerns the calling thread's. A fixed mirror of each stack
+/// (pointers to the literals) is kept where a crash handler can read it without a lock.
 class YON_API tracer {
 public:
     /// The one tracer, made on first use. After `destroy` the next call makes a new one.

@@ -37,7 +37,7 @@ String eventLine(istr name, std::initializer_list<EventText> keysAndValues) {
         event.updateChild(nameText(p[0].text()), valueText(p[1].text()));
     }
     String line;
-    ntvToCompactPml(event, line, pml::ShowPattern::usual | pml::ShowPattern::QUOTE_BLANKS);
+    pml::ntvToCompactPml(event, line, pml::ShowPattern::usual | pml::ShowPattern::QUOTE_BLANKS);
     return line += '\n';
 }
 

@@ -63,7 +63,7 @@ void DefaultSink::enter(Location const & where) noexcept {
 }
 
 void DefaultSink::leave(Location const &) noexcept {
-    ThreadTrace * const trace = ThreadTrace::current();
+    ThreadTrace * const trace = ThreadTrace::existing();
     if (trace == nullptr || trace->depth() == 0) return;
     toLog([&](logger & log) {
         writeTraceLine(log, TraceEvent::exit, trace->topFunction(), nullptr, trace->depth() - 1);
@@ -72,10 +72,10 @@ void DefaultSink::leave(Location const &) noexcept {
 }
 
 void DefaultSink::callStack(CallStack & out) noexcept {
-    ThreadTrace * const trace = ThreadTrace::current();
+    ThreadTrace * const trace = ThreadTrace::existing();
     if (trace == nullptr) return;
     try {
-        if (CallStack const * const calls = trace->existingStack()) out = *calls;
+        out = trace->stack();
     } catch (...) {
     }
 }

@@ -2,6 +2,7 @@
 #include "yon/log/dumper.h"
 #include "yon/log/logger.h"
 #include "yon/log/record.h"
+#include "yon/log/record_buffer.h"
 #include "yon/log/record_header.h"
 #include "yon/log/thread_trace.h"
 #include "yon/log/trace_line.h"
@@ -12,9 +13,9 @@ namespace yon {
 
 namespace {
 
-CallStack & callStackOf(ThreadTrace * trace) { return trace != nullptr ? trace->stack() : ThreadTrace::inMap(); }
-CallStack & sharedCallStackOf(ThreadTrace * trace) {
-    return trace != nullptr ? trace->sharedStack() : ThreadTrace::inMap();
+CallStack & sharedCallStack() {
+    ThreadTrace * const trace = ThreadTrace::current();
+    return trace != nullptr ? trace->sharedStack() : ThreadTrace::currentStack();
 }
 
 std::string printed(CallStack const & calls) {
@@ -34,33 +35,33 @@ void tracer::destroy() {
     Singleton_T<tracer>::destroy();
 }
 
-CallStack & tracer::callStack() { return sharedCallStackOf(ThreadTrace::current()); }
-CallStack const & tracer::callStack() const { return sharedCallStackOf(ThreadTrace::current()); }
+CallStack & tracer::callStack() { return sharedCallStack(); }
+CallStack const & tracer::callStack() const { return sharedCallStack(); }
 
 void tracer::push(char const * file, unsigned line, char const * func) {
     if (ThreadTrace * const trace = ThreadTrace::current()) trace->push({file, line, func});
 }
 
 void tracer::pop() noexcept {
-    if (ThreadTrace * const trace = ThreadTrace::current()) trace->pop();
+    if (ThreadTrace * const trace = ThreadTrace::existing()) trace->pop();
 }
 
 tracer const & tracer::separator(char const * text) const {
-    callStackOf(ThreadTrace::current()).separator(text);
+    ThreadTrace::currentStack().separator(text);
     return *this;
 }
 
-istr tracer::separator() const { return callStackOf(ThreadTrace::current()).separator(); }
+istr tracer::separator() const { return ThreadTrace::currentStack().separator(); }
 
 std::ostream & tracer::dump(std::ostream & os) const {
-    std::string const text = printed(callStackOf(ThreadTrace::current()));
+    std::string const text = printed(ThreadTrace::currentStack());
     return os.write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
-dumper & tracer::dump(dumper & d) const { return d << istr(printed(callStackOf(ThreadTrace::current()))); }
+dumper & tracer::dump(dumper & d) const { return d << istr(printed(ThreadTrace::currentStack())); }
 
 void tracer::destroy_current_stack() noexcept {
-    if (ThreadTrace * const trace = ThreadTrace::current()) trace->remove();
+    if (ThreadTrace * const trace = ThreadTrace::existing()) trace->remove();
 }
 
 void printTraceStack(std::ostream & os) { tracer::instance()->dump(os); }
@@ -75,7 +76,7 @@ TraceEntry::TraceEntry(logger & log, char const * file, unsigned line, char cons
 }
 
 TraceEntry::~TraceEntry() {
-    ThreadTrace * const trace = ThreadTrace::current();
+    ThreadTrace * const trace = ThreadTrace::existing();
     if (trace == nullptr || trace->depth() == 0) return;
     if ((type_ & exit) != 0) {
         writeTraceLine(log_, TraceEvent::exit, trace->topFunction(), info_, trace->depth() - 1);
@@ -90,9 +91,9 @@ void writeTraceLine(logger & log, TraceEvent event, istr func, istr info, unsign
     try {
         bool const isEntry = event == TraceEvent::entry;
         char const fill = isEntry ? '.' : '_';
-        StringBuffer header;
-        appendHeaderPrefix(header);
-        header.append('[').append(log.id()).append("]\0", 2);
+        RecordBuffer header;
+        appendHeaderPrefix(header.text());
+        header.text().append('[').append(log.id()).append(']').append('\0');
 
         std::string call = isEntry ? "TRACE " : "TRACE~";
         TraceEntry::indentString(call, depth, fill);
@@ -100,7 +101,7 @@ void writeTraceLine(logger & log, TraceEvent event, istr func, istr info, unsign
         call.append(func).append("(");
         if (!info.empty()) call.append(" ").append(info).append(" ");
         call += ") ";
-        writeEntryLog(log, header.data(), call.c_str(), "", fill);
+        writeEntryLog(log, header.text().data(), call.c_str(), "", fill);
     } catch (...) {
     }
 }

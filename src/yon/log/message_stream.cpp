@@ -1,9 +1,10 @@
 #include "yon/log/message_stream.h"
 
 #include <memory>
+#include <utility>
 
 #include "yon/base/exception.h"
-#include "yon/log/per_thread.h"
+#include "yon/log/log_thread.h"
 
 namespace yon::detail {
 
@@ -71,39 +72,24 @@ private:
     std::ios usual_{nullptr};
 };
 
-namespace {
-
-/// The streams of a thread that are not in use.
-struct Spares {
-    ~Spares() {
-        while (first != nullptr) delete take();
-    }
-    MessageStream::Stream * take() noexcept {
-        MessageStream::Stream * const s = first;
-        first = s->next;
-        return s;
-    }
-    void put(MessageStream::Stream * s) noexcept {
-        s->next = first;
-        first = s;
-    }
-    MessageStream::Stream * first = nullptr;
-};
-
-}  // namespace
+void deleteStreams(MessageStream::Stream * first) noexcept {
+    while (first != nullptr) delete std::exchange(first, first->next);
+}
 
 MessageStream::MessageStream() {
-    Spares * const spares = PerThread<Spares>::get();
-    stream_ = spares != nullptr && spares->first != nullptr ? spares->take() : new Stream;
+    LogThread * const thread = LogThread::current();
+    bool const spare = thread != nullptr && thread->streams != nullptr;
+    stream_ = spare ? std::exchange(thread->streams, thread->streams->next) : new Stream;
 }
 
 MessageStream::~MessageStream() {
-    Spares * const spares = PerThread<Spares>::get();
+    LogThread * const thread = LogThread::current();
     std::unique_ptr<Stream> stream(stream_);
-    if (spares == nullptr) return;
+    if (thread == nullptr) return;
     try {
         stream->reset();
-        spares->put(stream.release());
+        stream->next = thread->streams;
+        thread->streams = stream.release();
     } catch (...) {
     }
 }

@@ -6,8 +6,8 @@
 #include "yon/log/record_header.h"
 #include "yon/log/record_writer.h"
 #include "yon/log/ruled_line.h"
-#include "yon/log/tracer.h"
-#include "yon/mt/thread.h"
+#include "yon/log/thread_trace.h"
+#include "yon/mt/simple_thread.h"
 
 namespace yon {
 
@@ -74,13 +74,12 @@ void writeBlock(logger & log, Block const & block) noexcept {
 void writeFramed(logger & log, istr title, istr label, istr text, Location const & where, istr tailLabel = nullptr,
                  istr tail = nullptr) noexcept {
     try {
-        tracer const & calls = *tracer::instance();
-        calls.separator(stackSeparator);
+        CallStack const & calls = ThreadTrace::currentStack().separator(stackSeparator);
         std::string body = label;
         body += std::string_view(text);
         detail::appendLocation(body, Current(where), at);
         body += "\nCALL STACK: ";
-        detail::appendCallStack(body, calls.callStack(), stackSeparator);
+        detail::appendCallStack(body, calls, stackSeparator);
         body += std::string_view(tailLabel);
         body += std::string_view(tail);
         writeBlock(log, {"", title, body, "", ""});

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
-#include <mutex>
+#include <new>
 
-#include "yon/log/per_thread.h"
+#include "yon/log/log_thread.h"
 #include "yon/mt/lock.h"
 #include "yon/mt/map.h"
 #include "yon/mt/thread_id.h"
@@ -25,16 +25,27 @@ CallStacks & callStacks() {
 
 }  // namespace
 
-ThreadTrace * ThreadTrace::current() noexcept {
-    ThreadTrace * const trace = PerThread<ThreadTrace>::get();
-    if (trace == nullptr || trace->mirror_ == nullptr) return nullptr;
+ThreadTrace * ThreadTrace::existing() noexcept {
+    LogThread * const thread = LogThread::existing();
+    if (thread == nullptr || thread->trace == nullptr) return nullptr;
+    ThreadTrace * const trace = thread->trace.get();
     if (trace->generation_ != generation.load(std::memory_order_acquire)) trace->renew();
     return trace;
 }
 
+ThreadTrace * ThreadTrace::current() noexcept {
+    if (ThreadTrace * const trace = existing()) return trace;
+    LogThread * const thread = LogThread::current();
+    TraceMirror * const mirror = thread != nullptr ? TraceMirror::claim() : nullptr;
+    if (mirror == nullptr) return nullptr;
+    thread->trace.reset(new (std::nothrow) ThreadTrace(*mirror));
+    if (thread->trace == nullptr) mirror->release();
+    return existing();
+}
+
 ThreadTrace::~ThreadTrace() {
     if (generation_ == generation.load(std::memory_order_acquire)) remove();
-    if (mirror_ != nullptr) mirror_->release();
+    mirror_.release();
 }
 
 void ThreadTrace::renew() noexcept {
@@ -42,23 +53,23 @@ void ThreadTrace::renew() noexcept {
     stack_ = nullptr;
     shared_ = false;
     extra_ = 0;
-    mirror_->size(0);
+    mirror_.size(0);
 }
 
 std::size_t ThreadTrace::depth() const noexcept { return settled() + extra_; }
 
 char const * ThreadTrace::topFunction() const noexcept {
-    return extra_ != 0 ? mirror_->at(mirror_->size() - 1).func : stack_->container().top().func();
+    return extra_ != 0 ? mirror_.at(mirror_.size() - 1).func : stack_->container().top().func();
 }
 
 void ThreadTrace::push(diagnostics::Location const & where) {
     std::size_t const n = depth();
     bool const deep = n >= TraceMirror::capacity;
     if (deep || shared_) stack().container().push(Current(where));
-    if (mirror_->size() != n) mirrorAll();
-    if (!deep) mirror_->put(static_cast<unsigned>(n), where);
+    if (mirror_.size() != n) mirrorAll();
+    if (!deep) mirror_.put(static_cast<unsigned>(n), where);
     if (!deep && !shared_) ++extra_;
-    mirror_->size(static_cast<unsigned>(n) + 1);
+    mirror_.size(static_cast<unsigned>(n) + 1);
 }
 
 void ThreadTrace::pop() noexcept {
@@ -67,7 +78,7 @@ void ThreadTrace::pop() noexcept {
     } else if (settled() != 0) {
         stack_->container().pop();
     }
-    mirror_->size(static_cast<unsigned>(depth()));
+    mirror_.size(static_cast<unsigned>(depth()));
 }
 
 /// Somebody changed the stack itself.
@@ -76,7 +87,7 @@ void ThreadTrace::mirrorAll() noexcept {
     unsigned i = 0;
     for (Current const & where : stack_->container()) {
         if (i == TraceMirror::capacity) break;
-        mirror_->put(i++, {where.file(), where.line(), where.func()});
+        mirror_.put(i++, {where.file(), where.line(), where.func()});
     }
 }
 
@@ -86,8 +97,8 @@ CallStack & ThreadTrace::stack() {
         // An ended thread with the same number may have left something.
         *stack_ = CallStack();
     }
-    for (unsigned const n = mirror_->size(); extra_ != 0; --extra_) {
-        stack_->container().push(Current(mirror_->at(n - extra_)));
+    for (unsigned const n = mirror_.size(); extra_ != 0; --extra_) {
+        stack_->container().push(Current(mirror_.at(n - extra_)));
     }
     return *stack_;
 }
@@ -97,22 +108,27 @@ CallStack & ThreadTrace::sharedStack() {
     return stack();
 }
 
+CallStack & ThreadTrace::currentStack() {
+    ThreadTrace * const trace = current();
+    return trace != nullptr ? trace->stack() : inMap();
+}
+
 CallStack & ThreadTrace::inMap() {
     CallStacks & stacks = callStacks();
-    std::lock_guard const guard(stacks);
+    Lock const lock(stacks);
     return stacks[ThreadId::current()];
 }
 
 void ThreadTrace::remove() noexcept {
     if (stack_ != nullptr) {
         CallStacks & stacks = callStacks();
-        std::lock_guard const guard(stacks);
+        Lock const lock(stacks);
         stacks.erase(ThreadId::current());
     }
     stack_ = nullptr;
     shared_ = false;
     extra_ = 0;
-    if (mirror_ != nullptr) mirror_->size(0);
+    mirror_.size(0);
 }
 
 void ThreadTrace::destroyAll() {

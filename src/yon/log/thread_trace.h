@@ -11,13 +11,15 @@ namespace yon {
 /// Whoever gets a reference to the stack sees every call in it from then on.
 class ThreadTrace {
 public:
-    ThreadTrace() noexcept : mirror_(TraceMirror::claim()) {}
+    explicit ThreadTrace(TraceMirror & mirror) noexcept : mirror_(mirror) {}
     ThreadTrace(ThreadTrace const &) = delete;
     ThreadTrace & operator=(ThreadTrace const &) = delete;
     ~ThreadTrace();
 
-    /// Null without memory and at the very end of a thread.
+    /// Null without memory.
     static ThreadTrace * current() noexcept;
+    /// The same, but null if there was no call yet.
+    static ThreadTrace * existing() noexcept;
 
     void push(diagnostics::Location const & where);
     /// Nothing when there is no call.
@@ -30,22 +32,21 @@ public:
     CallStack & stack();
     /// The same for others, who may keep the reference.
     CallStack & sharedStack();
-    /// The stack with all calls, if there ever was a call or a separator.
-    CallStack * existingStack() { return stack_ != nullptr || extra_ != 0 ? &stack() : nullptr; }
     /// Removes it from the map.
     void remove() noexcept;
 
-    /// The stack of the calling thread in the map, whatever its state.
-    static CallStack & inMap();
+    /// The stack of the calling thread with all calls, also without memory for the rest of this.
+    static CallStack & currentStack();
     /// Deletes the stacks of all threads.
     static void destroyAll();
 
 private:
+    static CallStack & inMap();
     void renew() noexcept;
     std::size_t settled() const noexcept { return stack_ != nullptr ? stack_->container().size() : 0; }
     void mirrorAll() noexcept;
 
-    TraceMirror * mirror_;
+    TraceMirror & mirror_;
     CallStack * stack_ = nullptr;
     unsigned generation_ = 0;
     unsigned extra_ = 0;

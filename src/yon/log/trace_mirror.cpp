@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <new>
 
-#include "yon/mt/thread.h"
+#include "yon/mt/simple_thread.h"
 #include "yon/mt/thread_id.h"
 
 namespace yon {
