@@ -12,6 +12,7 @@
 
 namespace yon {
 
+class ConfigFile;
 class dumper;
 namespace pml {
 class stream;
@@ -70,6 +71,8 @@ public:
     void onTimer(void * param);
 
     std::string id() const;
+    /// The same without a copy; valid as long as the logger.
+    istr idText() const noexcept;
 
     // Whether a category of records is wanted. One relaxed load each.
     bool debugOn() const noexcept { return on(debugOn_); }
@@ -150,6 +153,13 @@ private:
         which.store(b, std::memory_order_relaxed);
         return *this;
     }
+
+    friend class logger_factory;
+
+    bool ready() const noexcept;
+    void awaitInit() const noexcept;
+    void take(ConfigFile & file);
+    void enable(bool b);
 
     std::atomic<bool> debugOn_{false};
     std::atomic<bool> traceOn_{false};

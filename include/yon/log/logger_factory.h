@@ -13,8 +13,11 @@ namespace yon {
 /// gone.
 class YON_API logger_factory {
 public:
+    /// The identity of the default logger, to which the library's own records go.
+    static constexpr char const * yonId = "YON";
+
     static logger & instance(std::string const & id);
-    /// The logger "YON", to which the library's own records go.
+    /// The default logger. Cheap.
     static logger & yon();
     static void create();
     /// Writes everything out and deletes all loggers. The caller sees to it that nobody uses one.

@@ -45,6 +45,8 @@ public:
     void __decRef() {
         if (count_.fetch_sub(1, std::memory_order_acq_rel) == 1 && !noDelete_) delete_i();
     }
+    /// Takes a reference back without ever deleting the object.
+    void __letGo() noexcept { count_.fetch_sub(1, std::memory_order_acq_rel); }
     int __getRef() const noexcept { return count_.load(std::memory_order_acquire); }
     void __setNoDelete(bool noDelete) noexcept { noDelete_ = noDelete; }
 

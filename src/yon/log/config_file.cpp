@@ -46,7 +46,8 @@ std::string endOf(std::string_view text) {
 /// "what at file:line:column" with the place in front.
 std::string placeFirst(std::string const & message, std::string const & file) {
     std::size_t const place = message.rfind(" at " + file + ':');
-    return place == message.npos ? file + ": " + message : message.substr(place + 4) + ": " + message.substr(0, place);
+    return place == message.npos ? file + ": " + message
+                                 : message.substr(place + 4) + ": " + message.substr(0, place);
 }
 
 }  // namespace

@@ -44,6 +44,8 @@ constinit LogChannel * ChannelList::first = nullptr;
 
 namespace {
 
+constexpr ulong flushInterval = 1000;  // ms
+
 void beforeFork() noexcept {
     ChannelList::lock.lock();
     ChannelList::forEach([](LogChannel & c) {
@@ -84,12 +86,14 @@ struct AtEnd {
 
 }  // namespace
 
-LogChannel::LogChannel(std::atomic<bool> const & useFile, std::atomic<bool> const & useDebugFile) noexcept
-    : main(useFile, names), debug(useDebugFile, names) {
+LogChannel::LogChannel(std::atomic<bool> const & useFile, std::atomic<bool> const & useDebugFile,
+                       void (*onTimer)(void *), void * arg)
+    : main(useFile, names), debug(useDebugFile, names), timer(flushInterval, onTimer, arg) {
     ChannelList::add(*this);
 }
 
 LogChannel::~LogChannel() {
+    timer.stop();
     flush();
     ChannelList::remove(*this);
 }
@@ -98,7 +102,7 @@ void flushUntimed() noexcept {
     PatientGuard const guard(ChannelList::lock);
     if (!guard.owns()) return;
     ChannelList::forEach([](LogChannel & c) {
-        if (c.untimed.load(std::memory_order_relaxed)) c.flush();
+        if (!c.timer.armed()) c.flush();
     });
 }
 

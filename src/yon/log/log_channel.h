@@ -2,16 +2,19 @@
 #pragma once
 
 #include "yon/log/log_file.h"
+#include "yon/timer/service_timer.h"
 
 namespace yon {
 
 /// Registers itself for the end of the process, crashes and forks for as long as it lives.
 class LogChannel {
 public:
-    /// The switches stay the caller's.
-    LogChannel(std::atomic<bool> const & useFile, std::atomic<bool> const & useDebugFile) noexcept;
+    /// The switches stay the caller's. The timer calls `onTimer(arg)`.
+    LogChannel(std::atomic<bool> const & useFile, std::atomic<bool> const & useDebugFile, void (*onTimer)(void *),
+               void * arg);
     LogChannel(LogChannel const &) = delete;
     LogChannel & operator=(LogChannel const &) = delete;
+    /// Writes everything out.
     ~LogChannel();
 
     void flush() noexcept {
@@ -23,8 +26,7 @@ public:
     mutable detail::SystemLock names;
     LogFile main;
     LogFile debug;
-    /// Nobody else flushes it from time to time.
-    std::atomic<bool> untimed{false};
+    ServiceTimer timer;
 
 private:
     friend struct ChannelList;
@@ -32,7 +34,7 @@ private:
     LogChannel * next_ = nullptr;
 };
 
-/// Writes out the channels that nobody flushes from time to time.
+/// Writes out the channels whose timer is not set.
 void flushUntimed() noexcept;
 
 }  // namespace yon

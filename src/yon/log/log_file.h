@@ -15,8 +15,8 @@ namespace yon {
 /// Keeps lines until there are enough of them, and appends them to a file that it moves away when it has grown too
 /// large. Any thread may call anything at any time; nothing but `rename` and `pending` raises anything.
 ///
-/// Lines are appended under the cache lock. A thread that writes holds the file lock and takes the whole cache at once,
-/// so that others go on logging meanwhile; those who wait for the file then find their lines written.
+/// Lines are appended under the cache lock. A thread that writes holds the file lock and takes the whole cache at
+/// once, so that others go on logging meanwhile; those who wait for the file then find their lines written.
 ///
 /// Trouble with the file is told once, on the console or on standard error, until it is over.
 class LogFile {
@@ -50,7 +50,8 @@ public:
 
     /// Closes the file until it is needed again.
     void close() noexcept;
-    /// Writes the cached lines without memory, and without waiting for a lock for long. Callable from a signal handler.
+    /// Writes the cached lines without memory, and without waiting for a lock for long. Callable from a signal
+    /// handler.
     void writeRaw() noexcept;
     /// Take and release the locks of file and cache.
     void lock() noexcept;
@@ -78,7 +79,7 @@ private:
     LineBatch front_;        ///< the cache
     ulonglong running_ = 0;  ///< bytes that count towards the limit
     std::atomic<ulonglong> appended_{0};
-    std::atomic<ulonglong> settled_{0};    ///< of those, how many were written, lost or forgotten
+    std::atomic<ulonglong> settled_{0};     ///< of those, how many were written, lost or forgotten
     std::atomic<bool> writerComes_{false};  ///< somebody waits for the file to write a full cache
     std::atomic<bool> named_{false};
 

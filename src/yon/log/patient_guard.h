@@ -5,7 +5,7 @@
 #include <chrono>
 #include <thread>
 
-#include "yon/mt/critical_section.h"
+#include "yon/mt/rec_mutex.h"
 #include "yon/platform/process_end.h"
 
 namespace yon {

@@ -20,8 +20,8 @@ int descriptor(std::intptr_t handle) noexcept { return static_cast<int>(handle);
 
 int AppendFile::open(char const * name) noexcept {
     struct stat status;
-    bool const same = handle_ != closed && ::stat(name, &status) == 0 && status.st_dev == volume_ &&
-                      status.st_ino == file_;
+    bool const same =
+        handle_ != closed && ::stat(name, &status) == 0 && status.st_dev == volume_ && status.st_ino == file_;
     if (!same) {
         close();
         handle_ = ::open(name, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY, permissions);

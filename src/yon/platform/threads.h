@@ -1,0 +1,54 @@
+// The seam for threads. Nothing in here raises.
+#pragma once
+
+#include "yon/base/istr.h"
+
+namespace yon::platform {
+
+// --- threads ---
+
+struct CreatedThread {
+    void * handle;  ///< to be closed with `closeHandle`; null after a failure
+    unsigned id;
+    int error;
+};
+
+/// Starts a thread that runs `routine(argument)`; a stack size of 0 is the usual one. Where each thread has random
+/// numbers of its own, it seeds those of the C library. `routine` lets nothing out but the forced end of a thread.
+CreatedThread createThread(void (*routine)(void *), void * argument, unsigned stackSize) noexcept;
+
+/// A handle of the calling thread, whoever has started it, that any thread may use; null when that fails.
+void * openThisThread() noexcept;
+
+/// Whether the thread has not ended yet; false if that cannot be told.
+bool threadAlive(void * handle) noexcept;
+
+/// Wait until the thread has ended, for any number of callers and times; the second for the limit, in microseconds.
+/// Return `done`, `timedOut` or the system's error number.
+int joinThread(void * handle) noexcept;
+int joinThread(void * handle, longlong limit) noexcept;
+
+/// Shows the beginning of the name as that of the calling thread, as far as the system allows.
+void nameThisThread(istr name) noexcept;
+
+/// Pauses the calling thread for at least so many microseconds; 0 and less let others run.
+void pauseThread(longlong microseconds) noexcept;
+
+// --- what the library keeps for each thread ---
+
+enum class Slot { info, callStack, thread };
+inline constexpr int slotCount = 3;
+
+/// The calling thread's value, null at first. Takes a nanosecond or two, and leaves the last error.
+void * slot(Slot s) noexcept;
+
+/// Sets it; false when the memory is used up. When the thread ends, values other than null are taken out of their
+/// slots and given to their `end`, which may set slots again. Not called when the process ends.
+bool setSlot(Slot s, void * value, void (*end)(void *)) noexcept;
+
+// --- forks ---
+
+/// Has functions called before the process forks and afterwards in both. For good.
+void onFork(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept;
+
+}  // namespace yon::platform
