@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "yon/platform/crash.h"
+#include "yon/platform/posix/write_all.h"
 
 namespace yon::platform {
 
@@ -98,14 +99,7 @@ int prepareCrashFile(std::string const & name) noexcept {
 bool writeCrashFile(char const * data, std::size_t size) noexcept {
     if (fileName[0] == '\0') return false;
     if (!visible) appear();
-    while (size != 0) {
-        ssize_t const n = ::write(file, data, size);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return false;
-        data += n;
-        size -= static_cast<std::size_t>(n);
-    }
-    return true;
+    return writeAll(file, data, size);
 }
 
 void closeCrashFile() noexcept {
