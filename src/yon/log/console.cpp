@@ -7,7 +7,8 @@
 
 #include "yon/base/std_streams.h"
 #include "yon/log/patient_guard.h"
-#include "yon/mt/simple_thread.h"
+#include "yon/mt/lock.h"
+#include "yon/mt/thread_control.h"
 #include "yon/platform/console_input.h"
 #include "yon/platform/debugger.h"
 #include "yon/platform/fork.h"
@@ -134,8 +135,8 @@ void ConsoleImpl::flush() {
 bool ConsoleImpl::readline(String & line, istr prompt) {
     if (!promptIsShown(prompt)) showPrompt();
     {
-        std::unique_lock const reading(reading_, std::try_to_lock);
-        if (reading.owns_lock() && takeLine(line)) {
+        TryLock const reading(reading_);
+        if (reading.acquired() && takeLine(line)) {
             std::lock_guard const guard(lock_);
             promptShown_ = false;
             return true;
