@@ -6,19 +6,24 @@
 #include <iosfwd>
 #include <new>
 #include <utility>
+#include <vector>
 
 #include "yon/base/config.h"
 #include "yon/base/types.h"
 
 namespace yon {
 
+class dumper;
+
 /// What the registry knows of one allocation, or of all that came from one place.
-struct MLC_Entry {
+struct YON_API MLC_Entry {
     char const * file;
     unsigned int line;
     char const * func;
     std::size_t count;  ///< live allocations
     std::size_t bytes;  ///< their size, 0 where it is not known
+
+    dumper & dump(dumper & d) const;
 };
 
 /// Registers every located allocation with file, line and function (literals), and reports what is live. Off until
@@ -52,8 +57,15 @@ public:
     static void forEach(Visit && visit) {
         visitGroups([](void * v, MLC_Entry const & e) { (*static_cast<Visit *>(v))(e); }, &visit);
     }
+    /// What `forEach` visits.
+    static std::vector<MLC_Entry> snapshot();
+    /// The places where more is live than in an earlier snapshot, with the differences: the most additional bytes
+    /// first. A count or size that did not grow is 0.
+    static std::vector<MLC_Entry> since(std::vector<MLC_Entry> const & before);
     /// Writes one line for each place ("file:line func: N blocks, B bytes"), most bytes first, and a total.
     static std::ostream & report(std::ostream & os);
+    /// The switch, the totals and the places.
+    static dumper & dump(dumper & d);
 
 private:
     static void push_i(void const * block, char const * file, unsigned int line, char const * func,

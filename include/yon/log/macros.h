@@ -40,8 +40,8 @@
 
 /// Records a condition that does not hold, and what will be done about it: a text, which may be empty. The program
 /// goes on. An assertion is about what the code relies on, an ensurance about what it has achieved.
-#define YON_ASSERT(log, condition, willDo) YON_LOG_FAILURE_I(assertFailure, log, condition, #condition, willDo)
-#define YON_ENSURE(log, condition, willDo) YON_LOG_FAILURE_I(ensureFailure, log, condition, #condition, willDo)
+#define YON_ASSERT(log, condition, willDo) YON_LOG_FAILURE_I(writeAssertFailure, log, condition, #condition, willDo)
+#define YON_ENSURE(log, condition, willDo) YON_LOG_FAILURE_I(writeEnsureFailure, log, condition, #condition, willDo)
 
 /// One line of pml, which no text in it can break: YON_LOG_EVENT(log, "name", "key", value, …) writes
 /// "name(key(value)…)". Values are texts, scalars, or what a stream prints; line feeds in them become "\n". Of two
@@ -81,10 +81,10 @@
         ::yon::writeErrorLog(log, __FILE__, __LINE__, YON_FUNC, YON_MESSAGE_TEXT(message), severity); \
     } while (false)
 
-#define YON_LOG_FAILURE_I(write, log, condition, text, willDo)             \
-    do {                                                                   \
-        if (!(condition)) [[unlikely]]                                     \
-            ::yon::write(log, text, __FILE__, __LINE__, YON_FUNC, willDo); \
+#define YON_LOG_FAILURE_I(write, log, condition, text, willDo) \
+    do {                                                       \
+        if (!(condition)) [[unlikely]]                         \
+            ::yon::detail::write(log, text, YON_HERE, willDo); \
     } while (false)
 
 #define YON_LOG_EVENT_I(target, log, ...)                                                                       \

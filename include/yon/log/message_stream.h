@@ -39,6 +39,12 @@ void deleteStreams(MessageStream::Stream * first) noexcept;
 /// The NUL-terminated text of a message, of which `os` is the stream; valid until the `MessageStream` goes.
 YON_API char const * messageText(std::ostream & os) noexcept;
 
+/// The records of conditions that do not hold, with texts of any kind.
+YON_API void writeAssertFailure(logger & log, istr condition, diagnostics::Location const & where,
+                                istr willDo) noexcept;
+YON_API void writeEnsureFailure(logger & log, istr condition, diagnostics::Location const & where,
+                                istr willDo) noexcept;
+
 /// The record of a caught object: an exception prints itself, by its own class.
 YON_API void writeCaught(logger & log, diagnostics::Location const & where, std::exception const & e) noexcept;
 template <class E>

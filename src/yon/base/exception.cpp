@@ -1,11 +1,11 @@
 #include "yon/base/exception.h"
 
 #include <cstdlib>
-#include <mutex>
 #include <ostream>
 
 #include "yon/base/location_text.h"
 #include "yon/base/spin_lock.h"
+#include "yon/platform/fork.h"
 
 namespace yon {
 
@@ -19,6 +19,10 @@ CallStack tracedCallStack() {
 
 // Guards the decorations of all exceptions while they are stored.
 constinit SpinLock decorations;
+void lockDecorations() noexcept { decorations.lock(); }
+void unlockDecorations() noexcept { decorations.unlock(); }
+[[maybe_unused]] bool const survivesFork =
+    (platform::onFork(platform::ForkLayer::base, lockDecorations, unlockDecorations, unlockDecorations), true);
 
 }  // namespace
 
@@ -41,7 +45,7 @@ std::ostream & operator<<(std::ostream & os, ExceptionBase const & e) {
     text += "}\n";
     os.write(text.data(), static_cast<std::streamsize>(text.size()));
 
-    std::lock_guard const guard(decorations);
+    SpinGuard const guard(decorations);
     e.info().prefix(at);
     e.stack().separator(separator);
     detail::decorateCallers(e.stack());

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
-#include <mutex>
 #include <ostream>
 #include <string>
 
@@ -112,8 +111,8 @@ static_assert(shardCount == 1 << 6);
 template <class Visit>
 void forEachLocked(Visit visit) noexcept {
     for (Shard & s : shards) {
-        std::lock_guard const guard(s.lock_);
-        visit(s);
+        SpinGuard const guard(s.lock_);
+        if (guard.owns()) visit(s);
     }
 }
 
@@ -146,6 +145,13 @@ MLC_Entry * merge(MLC_Entry * first, MLC_Entry * last) noexcept {
     return out;
 }
 
+bool isLarger(MLC_Entry const & a, MLC_Entry const & b) noexcept {
+    return a.bytes != b.bytes ? a.bytes > b.bytes : comparePlaces(a, b) < 0;
+}
+bool isBefore(MLC_Entry const & a, MLC_Entry const & b) noexcept { return comparePlaces(a, b) < 0; }
+
+std::size_t growth(std::size_t before, std::size_t now) noexcept { return now > before ? now - before : 0; }
+
 std::string amounts(std::size_t count, std::size_t bytes) {
     return std::to_string(count) + " blocks, " + std::to_string(bytes) + " bytes\n";
 }
@@ -160,15 +166,16 @@ void MemLeakChecker::push_i(void const * block, char const * file, unsigned int 
     used_.store(true, std::memory_order_relaxed);
     std::size_t const hash = Shard::hashOf(block);
     Shard & s = shardOf(hash);
-    std::lock_guard const guard(s.lock_);
-    if (s.insert(block, hash, {file, line, func, 1, bytes})) replacements.fetch_add(1, std::memory_order_relaxed);
+    SpinGuard const guard(s.lock_);
+    if (guard.owns() && s.insert(block, hash, {file, line, func, 1, bytes}))
+        replacements.fetch_add(1, std::memory_order_relaxed);
 }
 
 void MemLeakChecker::pop_i(void const * block) noexcept {
     std::size_t const hash = Shard::hashOf(block);
     Shard & s = shardOf(hash);
-    std::lock_guard const guard(s.lock_);
-    s.erase(block, hash);
+    SpinGuard const guard(s.lock_);
+    if (guard.owns()) s.erase(block, hash);
 }
 
 std::size_t MemLeakChecker::count() noexcept {
@@ -203,12 +210,32 @@ void MemLeakChecker::visitGroups(void (*visit)(void *, MLC_Entry const &), void 
         s.forEach([&](MLC_Entry const & e) { entries[count++] = e; });
     });
     MLC_Entry * const first = entries.get();
-    std::sort(first, first + count, [](auto const & a, auto const & b) { return comparePlaces(a, b) < 0; });
+    std::sort(first, first + count, isBefore);
     MLC_Entry * const last = merge(first, first + count);
-    std::sort(first, last, [](auto const & a, auto const & b) {
-        return a.bytes != b.bytes ? a.bytes > b.bytes : comparePlaces(a, b) < 0;
-    });
+    std::sort(first, last, isLarger);
     std::for_each(first, last, [&](MLC_Entry const & e) { visit(arg, e); });
+}
+
+std::vector<MLC_Entry> MemLeakChecker::snapshot() {
+    std::vector<MLC_Entry> places;
+    forEach([&](MLC_Entry const & e) { places.push_back(e); });
+    return places;
+}
+
+std::vector<MLC_Entry> MemLeakChecker::since(std::vector<MLC_Entry> const & before) {
+    std::vector<MLC_Entry> known = before;
+    std::sort(known.begin(), known.end(), isBefore);
+    std::vector<MLC_Entry> grown;
+    forEach([&](MLC_Entry e) {
+        auto const old = std::lower_bound(known.begin(), known.end(), e, isBefore);
+        if (old != known.end() && comparePlaces(*old, e) == 0) {
+            e.count = growth(old->count, e.count);
+            e.bytes = growth(old->bytes, e.bytes);
+        }
+        if (e.count != 0 || e.bytes != 0) grown.push_back(e);
+    });
+    std::sort(grown.begin(), grown.end(), isLarger);
+    return grown;
 }
 
 std::ostream & MemLeakChecker::report(std::ostream & os) {

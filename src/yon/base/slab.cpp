@@ -1,7 +1,5 @@
 #include "yon/base/slab.h"
 
-#include <mutex>
-
 #include "yon/base/pooled.h"
 #include "yon/base/spin_lock.h"
 #include "yon/platform/fork.h"
@@ -27,13 +25,14 @@ struct Slab::Depot {
     static_assert(sizeof(Magazine) <= 2 * granule && sizeof(Rest) <= 2 * granule);
 
     void put(std::size_t c, Block * blocks, unsigned count) noexcept {
-        std::lock_guard const guard(mutex);
+        SpinGuard const guard(mutex);
+        if (!guard.owns()) return;
         magazines[c] = ::new (static_cast<void *>(blocks)) Magazine{blocks->next, magazines[c], count};
     }
 
     Block * take(std::size_t c, unsigned & count) noexcept {
-        std::lock_guard const guard(mutex);
-        Magazine * const m = magazines[c];
+        SpinGuard const guard(mutex);
+        Magazine * const m = guard.owns() ? magazines[c] : nullptr;
         if (m == nullptr) return nullptr;
         magazines[c] = m->after;
         count = m->count;
@@ -42,13 +41,14 @@ struct Slab::Depot {
 
     void putRest(char * p, std::size_t size) noexcept {
         if (size < largest) return;
-        std::lock_guard const guard(mutex);
+        SpinGuard const guard(mutex);
+        if (!guard.owns()) return;
         rests = ::new (static_cast<void *>(p)) Rest{rests, size};
     }
 
     char * takeRest(std::size_t & size) noexcept {
-        std::lock_guard const guard(mutex);
-        Rest * const r = rests;
+        SpinGuard const guard(mutex);
+        Rest * const r = guard.owns() ? rests : nullptr;
         if (r == nullptr) return nullptr;
         rests = r->after;
         size = r->size;

@@ -3,12 +3,13 @@
 #include <ostream>
 
 #include "yon/base/time.h"
+#include "yon/base/version_text.h"
 
 namespace yon {
 
 std::ostream & operator<<(std::ostream & os, show_version) {
     static constexpr char const * attribution[] = {
-        ("zuvyon 1.5.8-01, built " __DATE__),
+        (YON_VERSION_TEXT ", built " __DATE__),
         "A toolkit library for applications on Windows and Linux.",
         "Free software under the MIT licence, without warranty of any kind.",
     };

@@ -73,7 +73,7 @@ constinit std::atomic<logger *> yonLogger{nullptr};
 
 /// The process forks with the map whole.
 struct ForkSafety {
-    ForkSafety() noexcept { platform::onFork(platform::ForkLayer::log, lock, unlock, unlock); }
+    ForkSafety() noexcept { platform::onFork(platform::ForkLayer::loggers, lock, unlock, unlock); }
 
     static void lock() noexcept {
         held = LoggerFactoryImpl::existing.load(std::memory_order_acquire);

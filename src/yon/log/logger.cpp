@@ -3,9 +3,9 @@
 #include <fstream>
 #include <mutex>
 
-#include "yon/base/leak_checker.h"
 #include "yon/log/console.h"
 #include "yon/log/dumper_stl.h"
+#include "yon/log/leak_report.h"
 #include "yon/log/logger_factory.h"
 #include "yon/log/logger_impl.h"
 #include "yon/log/record_header.h"
@@ -119,7 +119,7 @@ istr logger::idText() const noexcept {
 }
 
 logger & logger::mlcOn(bool b) noexcept {
-    MemLeakChecker::enable(b);
+    checkLeaks(b);
     return set(mlcOn_, b);
 }
 

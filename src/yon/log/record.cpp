@@ -2,6 +2,7 @@
 
 #include "yon/base/location_text.h"
 #include "yon/log/logger.h"
+#include "yon/log/message_stream.h"
 #include "yon/log/record_buffer.h"
 #include "yon/log/record_header.h"
 #include "yon/log/record_writer.h"
@@ -87,10 +88,8 @@ void writeFramed(logger & log, istr title, istr label, istr text, Location const
     }
 }
 
-void writeFailure(logger & log, istr title, char const * condition, Location const & where,
-                  char const * willDo) noexcept {
-    istr const tail = willDo;
-    writeFramed(log, title, " CONDITION: ", condition, where, tail.empty() ? nullptr : "\n   WILL DO: ", tail);
+void writeFailure(logger & log, istr title, istr condition, Location const & where, istr willDo) noexcept {
+    writeFramed(log, title, " CONDITION: ", condition, where, willDo.empty() ? nullptr : "\n   WILL DO: ", willDo);
 }
 
 }  // namespace
@@ -182,14 +181,22 @@ void writeExcptLog(logger & log, char const * file, unsigned line, char const * 
     writeFramed(log, "EXCEPTION", "     CAUSE: ", "Catch a exception.", {file, line, func}, "\n\n", what);
 }
 
+void detail::writeAssertFailure(logger & log, istr condition, Location const & where, istr willDo) noexcept {
+    writeFailure(log, "ASSERT FAILURE", condition, where, willDo);
+}
+
+void detail::writeEnsureFailure(logger & log, istr condition, Location const & where, istr willDo) noexcept {
+    writeFailure(log, "ENSURE FAILURE", condition, where, willDo);
+}
+
 void assertFailure(logger & log, char const * condition, char const * file, unsigned line, char const * func,
                    char const * willDo) noexcept {
-    writeFailure(log, "ASSERT FAILURE", condition, {file, line, func}, willDo);
+    detail::writeAssertFailure(log, condition, {file, line, func}, willDo);
 }
 
 void ensureFailure(logger & log, char const * condition, char const * file, unsigned line, char const * func,
                    char const * willDo) noexcept {
-    writeFailure(log, "ENSURE FAILURE", condition, {file, line, func}, willDo);
+    detail::writeEnsureFailure(log, condition, {file, line, func}, willDo);
 }
 
 void exceptionThrown(logger & log, char const * file, unsigned line, char const * func, char const * cause) noexcept {

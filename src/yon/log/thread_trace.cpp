@@ -63,6 +63,7 @@ char const * ThreadTrace::topFunction() const noexcept {
 }
 
 void ThreadTrace::push(diagnostics::Location const & where) {
+    if (nameTries_ != 0) nameTries_ = mirror_.takeName() ? 0 : nameTries_ - 1;
     std::size_t const n = depth();
     bool const deep = n >= TraceMirror::capacity;
     if (deep || shared_) stack().container().push(Current(where));

@@ -51,6 +51,8 @@ private:
     unsigned generation_ = 0;
     unsigned extra_ = 0;
     bool shared_ = false;
+    /// How often to look for a name yet: a thread is traced before its name is known, and most have none.
+    int nameTries_ = 4;
 };
 
 }  // namespace yon

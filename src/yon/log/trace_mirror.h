@@ -18,6 +18,8 @@ public:
     static TraceMirror * claim() noexcept;
     /// The thread ends.
     void release() noexcept;
+    /// Notes the name of the calling thread, which a library thread has once it runs. Returns whether it has one.
+    bool takeName() noexcept;
 
     void put(unsigned i, diagnostics::Location const & where) noexcept {
         entries_[i].file.store(where.file, relaxed);
@@ -52,8 +54,6 @@ private:
         std::atomic<char const *> func{nullptr};
     };
     static constexpr auto relaxed = std::memory_order_relaxed;
-
-    void takeName() noexcept;
 
     static constinit std::atomic<TraceMirror *> first_;
 

@@ -17,9 +17,9 @@ namespace {
 
 constexpr diagnostics::Location at(unsigned int line, char const * func) { return {"src/yon/mt/thread", line, func}; }
 
-String currentExceptionText() {
+String currentExceptionText(char const * before) {
     std::ostringstream text;
-    text << "yon::Thread::run_i(): uncaught exception:";
+    text << before;
     try {
         throw;
     } catch (Exception const & e) {
@@ -36,12 +36,16 @@ String currentExceptionText() {
 
 }  // namespace
 
-void detail::recordUncaught() noexcept {
+void detail::recordUncaught(diagnostics::Location const & where, char const * text) noexcept {
     try {
-        diagnostics::record(diagnostics::Level::error, "<ERROR>", at(232, "startHook"), currentExceptionText());
+        diagnostics::record(diagnostics::Level::error, "<ERROR>", where, currentExceptionText(text));
     } catch (...) {
         // There is no memory for it.
     }
+}
+
+void detail::recordUncaught() noexcept {
+    recordUncaught(at(232, "startHook"), "yon::Thread::run_i(): uncaught exception:");
 }
 
 // --- ThreadControl ---

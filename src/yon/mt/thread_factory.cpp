@@ -6,6 +6,7 @@
 #include "yon/mt/lock.h"
 #include "yon/mt/simple_thread.h"
 #include "yon/mt/thread_entry.h"
+#include "yon/platform/fork.h"
 #include "yon/platform/locks.h"
 #include "yon/platform/platform.h"
 #include "yon/platform/threads.h"
@@ -25,9 +26,9 @@ constinit std::atomic<unsigned> generation{1};
 
 unsigned presentGeneration() noexcept { return generation.load(std::memory_order_relaxed); }
 
-void beforeFork() { factoryLock.lock(); }
-void afterForkInParent() { factoryLock.unlock(); }
-void afterForkInChild() {
+void beforeFork() noexcept { factoryLock.lock(); }
+void afterForkInParent() noexcept { factoryLock.unlock(); }
+void afterForkInChild() noexcept {
     generation.fetch_add(1, std::memory_order_relaxed);
     factoryLock.unlock();
 }
@@ -111,7 +112,8 @@ dumper & ThreadInfo::dump(dumper & d) const {
 // --- the factory ---
 
 ThreadFactory::ThreadFactory() {
-    static bool const watchesForks = (platform::onFork(beforeFork, afterForkInParent, afterForkInChild), true);
+    static bool const watchesForks =
+        (platform::onFork(platform::ForkLayer::mt, beforeFork, afterForkInParent, afterForkInChild), true);
     static_cast<void>(watchesForks);
 }
 

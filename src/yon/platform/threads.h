@@ -13,8 +13,9 @@ struct CreatedThread {
     int error;
 };
 
-/// Starts a thread that runs `routine(argument)`; a stack size of 0 is the usual one. Where each thread has random
-/// numbers of its own, it seeds those of the C library. `routine` lets nothing out but the forced end of a thread.
+/// Starts a thread that runs `routine(argument)`, with an `AlternateStack`; a stack size of 0 is the usual one. Where
+/// each thread has random numbers of its own, it seeds those of the C library. `routine` lets nothing out but the
+/// forced end of a thread.
 CreatedThread createThread(void (*routine)(void *), void * argument, unsigned stackSize) noexcept;
 
 /// A handle of the calling thread, whoever has started it, that any thread may use; null when that fails.
@@ -45,10 +46,5 @@ void * slot(Slot s) noexcept;
 /// Sets it; false when the memory is used up. When the thread ends, values other than null are taken out of their
 /// slots and given to their `end`, which may set slots again. Not called when the process ends.
 bool setSlot(Slot s, void * value, void (*end)(void *)) noexcept;
-
-// --- forks ---
-
-/// Has functions called before the process forks and afterwards in both. For good.
-void onFork(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept;
 
 }  // namespace yon::platform

@@ -1,11 +1,8 @@
 #include "yon/timer/timerCallbackBlock.h"
 
-#include <sstream>
-
 #include "yon/base/diagnostics.h"
-#include "yon/base/exception.h"
 #include "yon/base/system.h"
-#include "yon/log/dumper.h"
+#include "yon/mt/uncaught.h"
 
 namespace yon {
 
@@ -13,26 +10,6 @@ namespace {
 
 constexpr char const * sourceFile = "src/yon/timer/timerCallbackBlock";
 constexpr char const * function = "yon::TimerCallbackBlock::exec";
-
-/// Records the exception that is being handled.
-void recordUncaught(unsigned int line) noexcept try {
-    std::ostringstream os;
-    os << "timer callback: uncaught exception: ";
-    try {
-        throw;
-    } catch (Exception const & e) {
-        os << e;
-    } catch (ExceptionBase const & e) {
-        os << e;
-    } catch (std::exception const & e) {
-        os << e;
-    } catch (...) {
-        os << "of an unknown type";
-    }
-    diagnostics::record(diagnostics::Level::error, "<ERROR>", {sourceFile, line, function}, istr(os.str()));
-} catch (...) {
-    // No memory for the text.
-}
 
 }  // namespace
 
@@ -54,7 +31,7 @@ bool TimerCallbackBlock::exec() const noexcept {
             object->onTimeout(id.serial(), id.position(), userTimerId, param);
         }
     } catch (...) {
-        recordUncaught(__LINE__);
+        detail::recordUncaught({sourceFile, __LINE__, function}, "timer callback: uncaught exception: ");
     }
     return fired;
 }

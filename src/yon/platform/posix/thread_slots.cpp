@@ -47,8 +47,4 @@ bool setSlot(Slot s, void * value, void (*end)(void *)) noexcept {
     return true;
 }
 
-void onFork(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept {
-    ::pthread_atfork(before, inParent, inChild);
-}
-
 }  // namespace yon::platform

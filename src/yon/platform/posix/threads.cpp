@@ -11,6 +11,7 @@
 #include <ctime>
 #include <new>
 
+#include "yon/platform/alternate_stack.h"
 #include "yon/platform/locks.h"
 #include "yon/platform/platform.h"
 #include "yon/platform/posix/futex.h"
@@ -129,6 +130,7 @@ int State::start(unsigned stackSize) noexcept {
 }
 
 void * State::run(void * self) {
+    AlternateStack const stack;
     State & state = *static_cast<State *>(self);
     bool const watched = setSlot(Slot::thread, self, end);
     state.id_.set(currentThreadId());

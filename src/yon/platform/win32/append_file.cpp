@@ -2,9 +2,7 @@
 
 #include <windows.h>
 
-#include <cstring>
-#include <memory>
-#include <new>
+#include "yon/platform/win32/wide_name.h"
 
 namespace yon::platform {
 
@@ -13,29 +11,6 @@ namespace {
 constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 HANDLE native(std::intptr_t handle) noexcept { return reinterpret_cast<HANDLE>(handle); }
-
-/// A file name in the form that the system takes. Names of usual length need no memory, so that the last words of a
-/// crashing process can be written.
-class WideName {
-public:
-    explicit WideName(char const * name) noexcept {
-        if (!convert(CP_UTF8, MB_ERR_INVALID_CHARS, name)) convert(CP_ACP, 0, name);
-    }
-    wchar_t const * get() const noexcept { return long_ ? long_.get() : short_; }
-
-private:
-    bool convert(UINT codePage, DWORD flags, char const * name) noexcept {
-        if (::MultiByteToWideChar(codePage, flags, name, -1, short_, capacity) != 0) return true;
-        if (::GetLastError() != ERROR_INSUFFICIENT_BUFFER) return false;
-        int const size = static_cast<int>(std::strlen(name)) + 1;
-        long_.reset(new (std::nothrow) wchar_t[static_cast<std::size_t>(size)]());
-        return long_ && ::MultiByteToWideChar(codePage, flags, name, -1, long_.get(), size) != 0;
-    }
-
-    static constexpr int capacity = 512;
-    wchar_t short_[capacity] = {};
-    std::unique_ptr<wchar_t[]> long_;
-};
 
 int lastFailure() noexcept { return static_cast<int>(::GetLastError()); }
 

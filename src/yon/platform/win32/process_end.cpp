@@ -18,4 +18,9 @@ bool othersAreGone() noexcept {
     return query != nullptr && query() != FALSE;
 }
 
+void tellStandardError(char const * data, std::size_t size) noexcept {
+    DWORD written = 0;
+    ::WriteFile(::GetStdHandle(STD_ERROR_HANDLE), data, static_cast<DWORD>(size), &written, nullptr);
+}
+
 }  // namespace yon::platform

@@ -80,6 +80,4 @@ bool setSlot(Slot s, void * value, void (*end)(void *)) noexcept {
     return true;
 }
 
-void onFork(void (*)(), void (*)(), void (*)()) noexcept {}
-
 }  // namespace yon::platform

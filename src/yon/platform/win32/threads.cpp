@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <new>
 
+#include "yon/platform/alternate_stack.h"
 #include "yon/platform/locks.h"
 #include "yon/platform/platform.h"
 #include "yon/platform/threads.h"
@@ -21,6 +22,7 @@ struct Start {
 };
 
 unsigned __stdcall run(void * argument) {
+    AlternateStack const stack;
     Start * const start = static_cast<Start *>(argument);
     Start const copy = *start;
     delete start;

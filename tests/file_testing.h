@@ -1,0 +1,49 @@
+// Files for tests.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+/// An empty directory that is gone when the test is over.
+class TemporaryDirectory {
+public:
+    explicit TemporaryDirectory(std::string const & name)
+        : path_(std::filesystem::temp_directory_path() / ("yon-" + name + "-test")) {
+        clear();
+        std::filesystem::create_directories(path_);
+    }
+    TemporaryDirectory(TemporaryDirectory const &) = delete;
+    TemporaryDirectory & operator=(TemporaryDirectory const &) = delete;
+    ~TemporaryDirectory() { clear(); }
+
+    std::string file(std::string const & name) const { return (path_ / name).string(); }
+
+private:
+    void clear() noexcept {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+
+    std::filesystem::path path_;
+};
+
+inline std::string contentOf(std::string const & name) {
+    std::ifstream in(name, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+inline void writeFile(std::string const & name, std::string const & text) {
+    std::ofstream(name, std::ios::binary) << text;
+}
+
+inline std::vector<std::string> linesOf(std::string const & name) {
+    std::istringstream in(contentOf(name));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}

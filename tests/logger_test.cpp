@@ -1,0 +1,456 @@
+// Loggers: settings, caches, files, rotation, routing, and many threads at once.
+#include "yon/log/logger.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <memory>
+#include <thread>
+
+#include "file_testing.h"
+#include "yon/base/exception.h"
+#include "yon/base/throw.h"
+#include "yon/log/config_file.h"
+#include "yon/log/console.h"
+#include "yon/log/dumper.h"
+#include "yon/log/logger_factory.h"
+#include "yon/log/macros.h"
+#include "yon/pml/pml_stream.h"
+
+namespace {
+
+using yon::istr;
+using yon::logger;
+using yon::String;
+
+constexpr std::size_t maxFileSize = 10485760;
+
+class Logger : public testing::Test {
+protected:
+    std::string file(char const * name) const { return directory.file(name); }
+    void fill(std::string const & name, std::size_t size) const { writeFile(name, std::string(size, 'x')); }
+
+    TemporaryDirectory const directory{"logger"};
+    logger log;
+};
+
+class Listener : public yon::LoggerCallback {
+public:
+    void onLog(istr line) override {
+        heard += std::string(line);
+        if (answer != nullptr) answer->writeAndPrint("answer\n");
+        if (throws) YON_THROW(yon::InvalidDataException, "not mine");
+    }
+
+    std::string heard;
+    logger * answer = nullptr;
+    bool throws = false;
+};
+
+std::string keysOf(yon::pml::stream const & s) {
+    std::string keys;
+    for (yon::ulong i = 0; i < s.unit().numofChildren(); ++i) keys += std::string(s.unit()[i].name()) + ' ';
+    return keys;
+}
+
+std::string dumpOf(logger const & l) {
+    yon::dumper d;
+    l.dump(d);
+    return d.str();
+}
+
+TEST_F(Logger, SettingsGoThroughPmlInTheOrderOfTheirKeys) {
+    log.debugOn(true).consoleOn(true).setMaxNumofMsg(7).setMaxCacheSize(99);
+    log.logOn("heartbeat", true);
+    log.msgOn("ping", false);
+    log.filename(file("a.log"));
+    log.debugFilename(file("other"));
+    yon::pml::stream out;
+    log.codec(out);
+    EXPECT_EQ(keysOf(out),
+              "debugOn traceOn dataLogOn debugLogOn traceLogOn diagLogOn cmdLogOn commLogOn hbLogOn appLogOn appLogs "
+              "msgLogOn msgLogs useLogfile filename useDebugLogfile filenameDebug maxNumofMsg maxCacheSize consoleOn "
+              "mlcOn ");
+    yon::pml::stream in(out.str());
+    logger read;
+    read.codec(in);
+    EXPECT_EQ(dumpOf(read), dumpOf(log));
+    EXPECT_EQ(dumpOf(logger(log)), dumpOf(log));
+    // Keys that are absent, and names that are empty, change nothing.
+    yon::pml::stream few(istr("log(traceOn(1) filename() maxNumofMsg(x))"));
+    log.codec(few);
+    EXPECT_TRUE(log.traceOn() && log.debugOn());
+    EXPECT_EQ(log.filename(), file("a.log"));
+    EXPECT_EQ(log.debugFilename(), file("other"));
+    // A new main name brings its debug name.
+    yon::pml::stream named(istr("log(filename(b.txt))"));
+    log.codec(named);
+    EXPECT_EQ(log.debugFilename(), "b.txt.debug");
+    log.filename("c.log");
+    EXPECT_EQ(log.debugFilename(), "c.debug.log");
+    log.filename("");
+    EXPECT_EQ(log.debugFilename(), "");
+}
+
+TEST_F(Logger, DumpsItsFieldsInOrder) {
+    log.write("pending\n");
+    log.msgOn("ping", true);
+    log.filename(file("app.log"));
+    log.write("1\n");
+    std::string const dump = dumpOf(log);
+    std::size_t at = 0;
+    for (char const * part : {"yon::logger {",
+                              "debugOn_ = false",
+                              "dataLogOn_ = true",
+                              "hbLogOn_ = false",
+                              "appLogOn_ = true",
+                              "appLogs_ = ",
+                              "msgLogs_ = ",
+                              "ping",
+                              "useLogfile_ = true",
+                              "filename_ = ",
+                              "useDebugLogfile_ = true",
+                              "filenameDebug_ = ",
+                              "maxNumofMsg_ = 100",
+                              "maxCacheSize_ = 32768",
+                              "consoleOn_ = false",
+                              "mlcOn_ = false",
+                              "cache_ = ",
+                              "currSize_ = 2",
+                              "cacheDebug_ = ",
+                              "currSizeDebug_ = 0",
+                              "inited_ = false"}) {
+        std::size_t const found = dump.find(part, at);
+        ASSERT_NE(found, dump.npos) << part << " in\n" << dump;
+        at = found;
+    }
+}
+
+TEST_F(Logger, SwitchesByName) {
+    log.logOn("on", true);
+    log.logOn("off", false);
+    log.msgOn("on", true);
+    log.msgOn("off", false);
+    for (bool const wanted : {false, true}) {
+        log.debugOn(wanted).msgLogOn(wanted);
+        EXPECT_EQ(log.logOn("on"), wanted);
+        EXPECT_EQ(log.msgOn("on"), wanted);
+        for (char const * name : {"off", "unknown"}) EXPECT_FALSE(log.logOn(name) || log.msgOn(name));
+        EXPECT_EQ(log.logOff("on"), !wanted);
+        EXPECT_TRUE(log.logOff("off"));
+        EXPECT_EQ(log.logOff("unknown"), !wanted);
+        EXPECT_TRUE(log.msgOff("on"));  // whatever `msgOn` says
+        EXPECT_EQ(log.msgOff("off"), !wanted);
+        EXPECT_EQ(log.msgOff("unknown"), !wanted);
+    }
+}
+
+TEST_F(Logger, WritesACacheThatIsFull) {
+    std::string const name = file("a.log");
+    log.filename(name);
+    for (int i = 1; i < 100; ++i) log.write("line\n");
+    EXPECT_FALSE(std::filesystem::exists(name));
+    log.write("line\n");
+    EXPECT_EQ(linesOf(name).size(), 100u);
+    // By size, which begins anew.
+    log.write(std::string(32767, 'a'));
+    EXPECT_EQ(contentOf(name).size(), 500u);
+    log.write("b");
+    EXPECT_EQ(contentOf(name).size(), 500u + 32768);
+    log.setMaxNumofMsg(0).write("at once\n");
+    EXPECT_EQ(contentOf(name).size(), 500u + 32768 + 8);
+    log.writeDebug("debug\n", 3);
+    EXPECT_EQ(contentOf(file("a.debug.log")), "deb");
+    log.setMaxNumofMsg(100);
+    log.write("x\n");
+    log.flush();
+    logger::Counters const c = log.counters();
+    EXPECT_EQ(c.written, 105u);
+    EXPECT_EQ(c.dropped + c.failedOpens + c.rotations, 0u);
+}
+
+TEST_F(Logger, KeepsLinesUntilThereIsAName) {
+    for (int i = 0; i < 150; ++i) log.write("early\n");
+    log.flush();
+    log.filename(file("a.log"));
+    log.write("late\n");
+    log.filename(file("b.log"));  // the old file gets what is cached
+    log.write("other\n");
+    log.close();
+    EXPECT_EQ(linesOf(file("a.log")).size(), 151u);
+    EXPECT_EQ(contentOf(file("b.log")), "other\n");
+
+    logger nameless;
+    std::string const line(1u << 20, 'x');
+    for (char c = 'a'; c != 'a' + 20; ++c) nameless.write(c + line.substr(1));
+    EXPECT_EQ(nameless.counters().dropped, 12u);
+    nameless.filename(file("c.log"));
+    nameless.flush();
+    std::string const kept = contentOf(file("c.log"));
+    EXPECT_EQ(kept.size(), 8 * line.size());
+    EXPECT_EQ(kept[0], 'a' + 12);
+}
+
+TEST_F(Logger, ForgetsLinesThatNoFileIsFor) {
+    log.filename(file("a.log"));
+    log.useLogfile(false).useDebugLogfile(false);
+    log.write("line\n");
+    log.writeDebug("line\n");
+    log.flush();
+    log.useLogfile(true).useDebugLogfile(true);
+    log.flush();
+    EXPECT_FALSE(std::filesystem::exists(file("a.log")) || std::filesystem::exists(file("a.debug.log")));
+    EXPECT_EQ(log.counters().written, 0u);
+}
+
+TEST_F(Logger, MovesAFileThatALineWouldTakeTooFar) {
+    std::string const name = file("a.log");
+    fill(name, maxFileSize - 4);
+    log.filename(name);
+    log.write("123\n");
+    log.flush();
+    EXPECT_EQ(std::filesystem::file_size(name), maxFileSize);
+    EXPECT_FALSE(std::filesystem::exists(name + ".bak"));
+    writeFile(name + ".bak", "older");
+    log.write("next\n");
+    log.flush();
+    EXPECT_EQ(contentOf(name), "next\n");
+    EXPECT_EQ(std::filesystem::file_size(name + ".bak"), maxFileSize);
+    // Within a batch, line by line.
+    fill(name, maxFileSize - 5);
+    for (char const * line : {"abc\n", "de\n", "f\n"}) log.write(line);
+    log.flush();
+    EXPECT_EQ(contentOf(name), "de\nf\n");
+    EXPECT_EQ(std::filesystem::file_size(name + ".bak"), maxFileSize - 1);
+    // A line that is too long for any file.
+    log.write(std::string(maxFileSize + 1, 'y') + '\n');
+    log.flush();
+    EXPECT_EQ(contentOf(name + ".bak"), "de\nf\n");
+    EXPECT_EQ(std::filesystem::file_size(name), maxFileSize + 2);
+    EXPECT_EQ(log.counters().rotations, 3u);
+}
+
+TEST_F(Logger, RenamesLargeFilesOfOthers) {
+    std::string const name = file("any");
+    fill(name, 10);
+    logger::renameLargeFile(name, 20, 10);
+    EXPECT_FALSE(std::filesystem::exists(name + ".bak"));
+    logger::renameLargeFile(name, 20, 100);  // counts as 20
+    EXPECT_EQ(std::filesystem::file_size(name + ".bak"), 10u);
+    std::ofstream stream(name, std::ios::app);
+    stream << "0123456789" << std::flush;
+    logger::renameLargeFile(stream, name, 12, 3);
+    stream << "new" << std::flush;
+    EXPECT_EQ(contentOf(name), "new");
+    EXPECT_EQ(contentOf(name + ".bak"), "0123456789");
+}
+
+TEST_F(Logger, RoutesLines) {
+    Listener main;
+    Listener debug;
+    log.setCallback(&main);
+    log.setDebugCallback(&debug);
+    log.filename(file("a.log"));
+    log.write("silent\n");
+    for (bool const toDebug : {true, false}) {
+        for (bool const toMain : {true, false}) {
+            for (bool const print : {true, false}) {
+                log.useDebugLogfile(toDebug).useLogfile(toMain).consoleOn(print);
+                std::string const which = std::to_string(4 * toDebug + 2 * toMain + print);
+                testing::internal::CaptureStdout();
+                log.writeAndPrint("a" + which + '\n');
+                log.writeOrPrint("o" + which + '\n');
+                log.flush();
+                yon::console::flush();
+                std::string const expected =
+                    (print ? "a" + which + '\n' : "") + (print && !toMain ? "o" + which + '\n' : "");
+                EXPECT_EQ(testing::internal::GetCapturedStdout(), expected);
+            }
+        }
+    }
+    EXPECT_EQ(main.heard, "a7\na6\na5\na4\na3\no3\na2\no2\na1\no1\na0\no0\n");
+    EXPECT_EQ(debug.heard, "o7\no6\no5\no4\n");
+    EXPECT_EQ(contentOf(file("a.log")), "silent\na7\na6\na3\no3\na2\no2\n");
+    EXPECT_EQ(contentOf(file("a.debug.log")), "o7\no6\no5\no4\n");
+}
+
+TEST_F(Logger, CallbacksMayLogAndThrow) {
+    Listener listener;
+    listener.answer = &log;
+    listener.throws = true;
+    log.setCallback(&listener);
+    log.filename(file("a.log"));
+    log.writeAndPrint("question\n");
+    log.setCallback(nullptr);
+    log.writeAndPrint("silence\n");
+    log.flush();
+    EXPECT_EQ(listener.heard, "question\n");
+    EXPECT_EQ(contentOf(file("a.log")), "question\nanswer\nsilence\n");
+}
+
+TEST_F(Logger, NamesInUtf8) {
+    log.filename(file("\xC3\xA0-\xE6\x97\xA5.log"));
+    log.write("line\n");
+    log.flush();
+    std::u8string const name = u8"\u00E0-\u65E5.log";
+    EXPECT_EQ(std::filesystem::file_size(std::filesystem::path(file("x")).parent_path() / name), 5u);
+}
+
+TEST_F(Logger, ReadsItsConfiguration) {
+    std::string const config = file("p2p.pml");
+    writeFile(config, "\xEF\xBB\xBFp2p(log(debugOn(1) maxNumofMsg(50) appLogs(a(1) b(0)) loggers(loud(traceOn(1) "
+                      "maxNumofMsg(5)) mute(enable(0) debugLogOn(1)) YON(debugOn(0)))))");
+    logger & loud = yon::logger_factory::instance("loud");
+    logger & mute = yon::logger_factory::instance("mute");
+    EXPECT_EQ(&loud, &yon::logger_factory::instance("loud"));
+    EXPECT_EQ(&yon::logger_factory::yon(), &yon::logger_factory::instance("YON"));
+    EXPECT_EQ(loud.id(), "loud");
+    loud.init("other");
+    EXPECT_EQ(loud.id(), "loud");
+    mute.reload(config);
+    EXPECT_FALSE(mute.debugOn() || mute.dataLogOn() || mute.debugLogOn() || mute.appLogOn() || mute.useLogfile() ||
+                 mute.useDebugLogfile());
+    writeFile(config, "p2p(log(debugOn(1) loggers(loud(traceOn(1) maxNumofMsg(5)))))");
+    mute.reload(config);  // is what it was
+    EXPECT_TRUE(mute.debugOn() && mute.dataLogOn() && mute.useLogfile() && !mute.traceOn());
+    loud.reload(config);
+    EXPECT_TRUE(loud.debugOn() && loud.traceOn());
+    yon::pml::stream settings = [&] {
+        yon::ConfigFile file(config);
+        file.load();
+        return file.logSettings("loud");
+    }();
+    EXPECT_EQ(std::string(settings["maxNumofMsg"].getStringValue()), "5");
+    yon::dumper d;
+    std::string const dump = yon::logger_factory::dump(d).str();
+    EXPECT_NE(dump.find("yon::logger_factory {\n    loggers_ = @yon::mt::map {\n"), dump.npos) << dump;
+    EXPECT_NE(dump.find("loud : @yon::logger {"), dump.npos) << dump;
+}
+
+TEST_F(Logger, WritesStartLines) {
+    logger & yon = yon::logger_factory::yon();
+    yon.filename(file("yon.log"));
+    Listener listener;
+    yon.setCallback(&listener);
+    testing::internal::CaptureStdout();
+    log.useLogfile(file("a.log").c_str());
+    log.useLogfile(nullptr);
+    log.consoleOn(true).useLogfile(file("b.log").c_str());
+    yon::console::flush();
+    std::string const note = "console output disabled, log file is " + file("a.log") + '\n';
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), note + note);
+    yon.setCallback(nullptr);
+    yon.flush();
+    EXPECT_EQ(contentOf(file("yon.log")), listener.heard);
+    std::string const rule(77, '=');
+    std::string const end = rule + "\nyon version 1.5.8-01 2009-09-04...09-14\nyon compiled at Sep 16 2009 09:30:20\n";
+    std::string const first = rule + "\nlog file is " + file("a.log") + '\n' + end;
+    std::string const expected =
+        first + first + rule + "\nlog file " + file("a.log") + " changed to " + file("b.log") + '\n' + end;
+    std::string texts;
+    for (std::string const & line : linesOf(file("yon.log"))) {
+        std::size_t const id = line.find("[YON] ");
+        ASSERT_NE(id, line.npos);
+        EXPECT_TRUE(std::isdigit(static_cast<unsigned char>(line[0])) != 0 && line[id - 1] == '>') << line;
+        texts += line.substr(id + 6) + '\n';
+    }
+    EXPECT_EQ(texts, expected);
+    yon.filename("");
+}
+
+/// Writes numbered lines, and says whether a file's lines are whole, once each and in order for each thread.
+class Writers {
+public:
+    static constexpr int threads = 8;
+
+    explicit Writers(int lines) : lines_(lines) {}
+
+    template <class WriteLine, class Meanwhile>
+    void run(WriteLine writeLine, Meanwhile meanwhile) {
+        std::vector<std::thread> running;
+        std::atomic<int> left{threads};
+        for (int t = 0; t < threads; ++t) {
+            running.emplace_back([&, t] {
+                for (int i = 0; i < lines_; ++i)
+                    writeLine("thread " + std::to_string(t) + " line " + std::to_string(i) + padding_);
+                --left;
+            });
+        }
+        while (left != 0) meanwhile();
+        for (std::thread & thread : running) thread.join();
+    }
+
+    void read(std::vector<std::string> const & lines) {
+        for (std::string const & line : lines) {
+            std::size_t const from = line.find("thread ");
+            int thread = -1;
+            int number = -1;
+            if (from != line.npos) std::sscanf(line.c_str() + from, "thread %d line %d", &thread, &number);
+            ASSERT_TRUE(thread >= 0 && thread < threads) << line;
+            ASSERT_EQ(number, next_[thread]++) << line;
+            ASSERT_TRUE(line.ends_with(padding_)) << line;
+        }
+    }
+    void expectAll() const {
+        for (int const n : next_) EXPECT_EQ(n, lines_);
+    }
+
+private:
+    int lines_;
+    int next_[threads] = {};
+    std::string const padding_ = " with enough behind it that the file has to be moved once .";
+};
+
+TEST_F(Logger, LosesNoLineOfManyThreadsOverARotation) {
+    std::string const name = file("a.log");
+    log.filename(name);
+    Writers writers(24000);  // some 15 MB
+    writers.run([&](std::string const & line) { yon::writeDataLog(log, __FILE__, __LINE__, "f", line.c_str()); },
+                [&] { log.flush(); });
+    log.flush();
+    EXPECT_EQ(log.counters().rotations, 1u);
+    EXPECT_EQ(log.counters().written, 24000u * Writers::threads);
+    writers.read(linesOf(name + ".bak"));
+    writers.read(linesOf(name));
+    writers.expectAll();
+}
+
+TEST_F(Logger, ReturnsFromFlushWhenTheLinesOfTheCallerAreOut) {
+    std::string const name = file("a.log");
+    log.filename(name);
+    std::atomic<bool> missing{false};
+    Writers writers(300);
+    writers.run(
+        [&](std::string const & line) {
+            log.write(line + '\n');
+            log.flush();
+            missing = missing || contentOf(name).find(line + '\n') == std::string::npos;
+        },
+        std::this_thread::yield);
+    EXPECT_FALSE(missing);
+    writers.read(linesOf(name));
+    writers.expectAll();
+}
+
+TEST_F(Logger, ReloadsWhileThreadsLog) {
+    std::string const config = file("p2p.pml");
+    int n = 0;
+    Writers writers(3000);
+    log.filename(file("a.log"));
+    writers.run([&](std::string const & line) { log.writeAndPrint(line + '\n'); },
+                [&] {
+                    std::string const number = std::to_string(++n % 3);
+                    writeFile(config, "x(log(filename('" + file("a.log") + "') maxNumofMsg(" + number +
+                                          ") traceOn(" + number + ") msgLogs(a(1) b(" + number + "))))");
+                    log.reload(config);
+                    log.msgOn("b");
+                    dumpOf(log);
+                });
+    log.flush();
+    writers.read(linesOf(file("a.log")));
+    writers.expectAll();
+}
+
+}  // namespace
