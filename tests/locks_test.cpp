@@ -152,6 +152,7 @@ TEST(Cond, WakesWhomItShould) {
     Cond cond;
     RecMutex const mutex;
     int waiting = 0, woken = 0;
+    cond.signal();  // for nobody
     std::optional<Threads> threads(std::in_place, 3, [&](int) {
         Lock const lock(mutex), again(mutex);
         ++waiting;
@@ -166,7 +167,6 @@ TEST(Cond, WakesWhomItShould) {
             EXPECT_FALSE(waiting < 3 && cond.timedWait(lock, Time::milliSeconds(1)));
         }
     };
-    cond.signal();
     reaches(waiting, 3);
     cond.signal();
     reaches(woken, 1);
