@@ -68,6 +68,9 @@ TEST(PmlParser, Nodes) {
                         {"'a:b'(1)", "'a:b'=1"},
                         {"a:'t(' (1)", "a:'t('=1"},
                         {"a('x'y)", "a='x'y"},
+                        {"a('x'y\"z\")", "a='x'y\"z\""},
+                        {"a('x'(**)\"y\")", "a='x'\"y\""},
+                        {"a(\"x\" 'y' \"z\")", "a=xyz"},
                         // Comments within tokens.
                         {"a(* c *) b(1)", "ab=1"},
                         {"a (*c*)b(1 (*)*) 2)", "a b=1 2"},
@@ -84,6 +87,9 @@ TEST(PmlParser, Nodes) {
                         {"a(b(1", "a{b=1}"},
                         {"a('x", "a='x"},
                         {"a('x' ", "a=x"},
+                        {"a('x\"", "a='x\""},
+                        {"a('x' \"y\" 'z\"", "a='xyz\""},
+                        {"a('x' \"y\" ", "a=xy\""},
                         {"a(1 (* c", "a=1"}};
     for (Row const & row : rows) {
         expect(row);
@@ -172,6 +178,7 @@ private:
 
     bool token() {
         text_.clear();
+        mixed_ = false;
         bool const more = skipBlanks();
         start_ = p;
         while (more && p < in_.size()) {
@@ -188,6 +195,7 @@ private:
             } else if (c == '\'' || c == '"') {
                 if (!quoted(c)) return false;
             } else {
+                mixed_ = false;
                 text_ += c;
             }
         }
@@ -202,6 +210,8 @@ private:
         return false;
     }
     bool quoted(char quote) {
+        char const opening = quote;
+        bool const whole = text_.empty();
         text_ += quote;
         while (p < in_.size()) {
             char const c = in_[p++];
@@ -212,8 +222,10 @@ private:
             }
             text_ += c;
             if (c != quote) continue;
+            mixed_ = whole && quote != opening;
             if (!skipBlanks()) return false;
             if (in_[p] != '\'' && in_[p] != '"') return true;
+            mixed_ = false;
             text_.pop_back();
             quote = in_[p++];
         }
@@ -277,14 +289,15 @@ private:
         node.children.push_back(std::move(child));
         return closed;
     }
-    static std::string unquoted(std::string const & t) {
+    std::string unquoted(std::string const & t) const {
         if (t.size() < 2 || (t[0] != '\'' && t[0] != '"')) return t;
         if (t.back() == t[0]) return t.substr(1, t.size() - 2);
-        return t.back() == '\'' || t.back() == '"' ? t.substr(1) : t;
+        return mixed_ ? t.substr(1) : t;
     }
 
     std::string const in_;
     std::string text_;
+    bool mixed_ = false;
     Flag flag_ = end;
     std::size_t start_ = 0;
     std::size_t nextStart_ = 0;
@@ -472,8 +485,15 @@ TEST(PmlParser, EntryPoints) {
     EXPECT_THROW(delete newNTV(istr("a:b")), std::invalid_argument);
     EXPECT_THROW(delete newNtvValue(istr("a:b")), std::invalid_argument);
 
-    for (auto const & [token, expected] : std::initializer_list<std::pair<char const *, char const *>>{
-             {"'a'", "a"}, {"\"a\"", "a"}, {"'a", "'a"}, {"'", "'"}, {"''", ""}, {"a'", "a'"}, {"''a''", "'a'"}}) {
+    for (auto const & [token, expected] :
+         std::initializer_list<std::pair<char const *, char const *>>{{"'a'", "a"},
+                                                                      {"\"a\"", "a"},
+                                                                      {"'a", "'a"},
+                                                                      {"'", "'"},
+                                                                      {"''", ""},
+                                                                      {"a'", "a'"},
+                                                                      {"''a''", "'a'"},
+                                                                      {"'a\"", "'a\""}}) {
         String s(token);
         unescapeString(s);
         EXPECT_EQ(s, expected) << token;

@@ -178,12 +178,7 @@ class Outline final : public pmltool::Visitor {
 public:
     void name(Token const & token) override { text_ += '\n' + token.text + '\1'; }
     void type(Token const & token) override { text_ += token.text; }
-    void text(Token const & token) override {
-        yon::String value(token.text);
-        while (!value.empty() && yon::pml::pmlLexer::IsBlankChar(value.back())) value.pop_back();
-        yon::pml::unescapeString(value);
-        text_ += '\2' + value;
-    }
+    void text(Token const & token) override { text_ += '\2' + token.value(); }
     void listBegin() override { text_ += '{'; }
     void listEnd(Token const &) override { text_ += '}'; }
     std::string const & outline() const { return text_; }
