@@ -56,6 +56,7 @@ TEST(CharAt, ReadsAnywhereAndWritesUpToTheTerminator) {
     EXPECT_EQ(CharAt(static_cast<char const *>(text), 3, 2), 'c');
     EXPECT_EQ(CharAt(static_cast<char const *>(text), 1, 2), '\0');
     EXPECT_EQ(CharAt(static_cast<unsigned char const *>(nullptr), 3, 0), 0);
+    EXPECT_EQ(CharAt(nullptr, 3, 0), '\0');
     CharAt(text, 3, 3) = '\0';
     CharAt(bytes, 2, 1) = 9;
     EXPECT_EQ(bytes[1], 9);
