@@ -11,7 +11,6 @@
 #include "yon/base/exception.h"
 #include "yon/base/net.h"
 #include "yon/base/octets.h"
-#include "yon/base/std_streams.h"
 #include "yon/base/string.h"
 
 namespace yon {
@@ -164,12 +163,6 @@ TEST(Print, ShowsEveryByte) {
     std::ostringstream os;
     Print(Print(os, "a\n"), nullptr);
     EXPECT_EQ(os.str(), "a\n<null>");
-}
-
-TEST(Streams, ErrorAndLogAreOne) {
-    EXPECT_EQ(&std_log(), &std_err());
-    EXPECT_NE(&std_out(), &std_err());
-    EXPECT_EQ(std_in().tie(), &std_out());
 }
 
 TEST(Environment, ReadsVariablesAndErrors) {

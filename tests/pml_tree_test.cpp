@@ -374,30 +374,18 @@ void refuses(T before, std::initializer_list<char const *> texts) {
 }
 
 TEST(PmlTree, TypedExtraction) {
-    using S = short;
-    using U = unsigned short;
-    reads(" 42 ", 42, "12abc", 12, "+5", 5, "-2147483648", Limits<int>::min(), "-32768", S{-32768}, "65535", U{65535},
-          "4294967295", 4294967295u, "-1", 4294967295u, "-9", -9L, "9", 9UL, "9223372036854775807",
-          Limits<long long>::max(), "18446744073709551615", Limits<unsigned long long>::max());
-    reads("1", true, " 0", false, "  x y", 'x', "65", static_cast<signed char>('6'), "\xC3",
-          static_cast<unsigned char>(0xC3), "3.5x", 3.5, "1e3", 1000.0f, "-.5", -0.5);
-    reads("7", Bit(true), "0", Bit(false), "65", Char('A'), "300", Char(44), "300", Byte(44), "-4", Short(-4), "4",
-          Ushort(4), "-5", Long(-5), "5", Ulong(5), "-6", Longlong(-6), "6", Ulonglong(6), "2.5", Float(2.5f), "0.1",
-          Double(0.1));
+    // How texts of numbers are read, number_text_test checks.
+    reads(" 42 ", 42, "12abc", 12, "-32768", short{-32768}, "-1", 4294967295u, "9", 9UL, "1", true, "  x y", 'x',
+          "3.5x", 3.5, "1e3", 1000.0f);
+    reads("7", Bit(true), "65", Char('A'), "300", Byte(44), "-4", Short(-4), "5", Ulong(5), "0.1", Double(0.1));
     reads(" as it is ", String(" as it is "), "", std::string(), "wx", wstring{'w', 'x'}, "AQID",
           Bytes(istr("\1\2\3")), "", Bytes(), " -12 ", Time(-12));
-    refuses(7, {"", " ", "abc", "2147483648", "-", "99999999999999999999"});
-    refuses(S{7}, {"40000", ""});
-    refuses(U{7}, {"65536"});
-    refuses(7LL, {"9223372036854775808"});
-    refuses(7ULL, {"18446744073709551616", "x"});
+    refuses(7, {"", " ", "abc", "2147483648"});
     refuses(true, {"2", "true", ""});
     refuses('q', {"", "  "});
-    refuses(7.0, {"", "x", ".", "1e999"});
-    refuses(7.0f, {"1e39"});
+    refuses(7.0, {"", "x", "1e999"});
     refuses(Bit(true), {"true", "40000", ""});
     refuses(Char('q'), {"A", "40000"});
-    refuses(Long(7), {"2147483648"});
     refuses(String("kept"), {});
     refuses(wstring{'w'}, {});
     refuses(Bytes(istr("x")), {});
