@@ -8,38 +8,6 @@
 namespace yon {
 namespace {
 
-constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-
-/// Bit by bit, as the definition has it.
-std::string simpleEncode(std::string const & bytes) {
-    std::string text;
-    unsigned bits = 0;
-    int count = 0;
-    for (char const c : bytes) {
-        bits = bits << 8 | static_cast<unsigned char>(c);
-        for (count += 8; count >= 6; count -= 6) text += alphabet[bits >> (count - 6) & 63];
-    }
-    if (count != 0) text += alphabet[bits << (6 - count) & 63];
-    while (text.size() % 4 != 0) text += '=';
-    return text;
-}
-
-/// Valid is what encoding may have made, blanks aside.
-bool simpleDecode(std::string text, std::string & bytes) {
-    std::erase_if(text, [](char c) { return c != '\0' && std::strchr(" \t\n\v\f\r", c) != nullptr; });
-    bytes.clear();
-    unsigned bits = 0;
-    int count = 0;
-    for (char const c : text.substr(0, text.find('='))) {
-        auto const value = std::string(alphabet).find(c);
-        if (value == std::string::npos) return false;
-        bits = bits << 6 | static_cast<unsigned>(value);
-        count += 6;
-        if (count >= 8) bytes += static_cast<char>(bits >> (count -= 8));
-    }
-    return simpleEncode(bytes) == text;
-}
-
 std::string randomText(std::mt19937 & random, std::size_t maxSize, std::string const & letters = "") {
     std::string s(random() % (maxSize + 1), '\0');
     for (char & c : s) c = letters.empty() ? static_cast<char>(random()) : letters[random() % letters.size()];
@@ -72,7 +40,7 @@ TEST(Base64Test, RoundTripsBytesAlsoWithBlanksBetween) {
     for (int i = 0; i < 3000; ++i) {
         std::string const bytes = randomText(random, i < 200 ? 8 : 400);
         String text = Base64::encode(bytes);
-        ASSERT_EQ(text, simpleEncode(bytes));
+        String const encoded = text;
         ASSERT_EQ(text.size(), Base64::encodedSize(bytes.size()));
         ASSERT_LE(bytes.size(), Base64::maxDecodedSize(text.size()));
         for (auto blanks = random() % 4; blanks > 0; --blanks) {
@@ -80,7 +48,7 @@ TEST(Base64Test, RoundTripsBytesAlsoWithBlanksBetween) {
         }
         String both = "head";
         Base64::appendEncoded(both, bytes);
-        ASSERT_EQ(both, "head" + simpleEncode(bytes));
+        ASSERT_EQ(both, "head" + encoded);
         Bytes out("before");
         ASSERT_TRUE(Base64::appendDecoded(out, text));
         ASSERT_EQ(out, "before" + bytes);
@@ -91,15 +59,14 @@ TEST(Base64Test, RoundTripsBytesAlsoWithBlanksBetween) {
 
 TEST(Base64Test, AcceptsOneTextForTheSameBytesOnly) {
     std::mt19937 random(2);
-    auto const check = [](std::string const & text) {
-        std::string expected;
-        bool const valid = simpleDecode(text, expected);
+    auto const check = [](std::string text) {
         Bytes out("kept");
-        ASSERT_EQ(Base64::decode(text, out), valid) << text;
-        ASSERT_EQ(out, valid ? expected : "kept") << text;
         Bytes appended("kept");
+        bool const valid = Base64::decode(text, out);
         ASSERT_EQ(Base64::appendDecoded(appended, text), valid) << text;
-        ASSERT_EQ(appended, valid ? "kept" + expected : "kept") << text;
+        ASSERT_EQ(appended, "kept" + (valid ? std::string(istr(out)) : "")) << text;
+        std::erase_if(text, [](char c) { return c != '\0' && std::strchr(" \t\n\v\f\r", c) != nullptr; });
+        ASSERT_EQ(valid ? Base64::encode(out) : "kept", valid ? text : std::string(istr(out))) << text;
     };
     for (int c = 0; c < 256; ++c) {
         for (std::string const text : {"AAAA", "AAA=", "AA==", "AAAAAAAA", "AAAAAA=="}) {

@@ -6,8 +6,6 @@
 #include <sstream>
 
 #include "yon/base/bytes.h"
-#include "yon/base/exception.h"
-#include "yon/base/leak_checker.h"
 #include "yon/base/time.h"
 #include "yon/log/dumper_stl.h"
 
@@ -178,35 +176,6 @@ TEST(Dumper, LaysOutBlocksInLinesOrInOne) {
     (outside << nl).raw("r\n");
     outside << [](dumper & self) -> dumper & { return self.raw("called"); };
     EXPECT_EQ(os.str(), "{{|>>\"x\"|>}|}|}{\nr\ncalled");
-}
-
-TEST(Dumper, DumpsItself) {
-    dumper d;
-    d << "x";
-    EXPECT_EQ(
-        dumped(d),
-        "@yon::dumper {\n    str() = \"\"x\"\"\n    lineSeparator() = \"\n    \"\n    indentSeparator() = \"    \"\n"
-        "    eolSeparator() = \n    level() = 0\n    compact() = false\n    first_ = true\n    owned_ = true\n}");
-    std::ostringstream os;
-    dumper outside(os, d.cfg());
-    outside.compact(true).level(3).lineSeparator("").indentSeparator("i").eolSeparator("e");
-    EXPECT_EQ(compact(outside), "{, , \"i\", \"e\", 3, true, true, false}");
-    EXPECT_THROW(outside.str(), UnsupportedFunctionException);
-}
-
-TEST(Dumper, RegistersItsOwnStream) {
-    MemLeakChecker::enable(true);
-    auto const before = MemLeakChecker::count();
-    {
-        std::ostringstream os;
-        dumper const own, outside(os, own.cfg());
-        EXPECT_EQ(MemLeakChecker::count(), before + 1);
-        std::string places;
-        MemLeakChecker::forEach([&](MLC_Entry const & e) { places += e.func; });
-        EXPECT_NE(places.find("yon::dumper::dumper"), std::string::npos);
-    }
-    EXPECT_EQ(MemLeakChecker::count(), before);
-    MemLeakChecker::enable(false);
 }
 
 TEST(Dumper, DumpsStandardContainers) {

@@ -6,7 +6,6 @@
 #include <thread>
 #include <vector>
 
-#include "yon/base/system.h"
 #include "yon/base/throw.h"
 #include "yon/mt/threadexception.h"
 
@@ -88,33 +87,6 @@ TEST(Current, PrintsNameAndPlace) {
     }
     Current const c("f", 1, "g");
     EXPECT_EQ(c.prefix("x").prefix(nullptr).prefix(), "");
-}
-
-TEST(Current, FoldsWhatIsWiderThanTheLine) {
-    for (std::size_t const prefix : {1u, 13u, 118u, 119u, 200u}) {
-        for (std::size_t const length : {1u, 105u, 106u, 107u, 118u, 119u, 222u, 223u, 224u, 240u}) {
-            std::string func;
-            for (std::size_t i = 0; i < length; ++i) func += static_cast<char>('a' + i % 26);
-            std::string expected(prefix, '>');
-            std::size_t const room = 119 - std::min<std::size_t>(prefix, 119);
-            if (length <= room) {
-                expected += func;
-            } else {
-                std::string const rest = func.substr(room);
-                std::string const shown = rest.substr(rest.size() - std::min<std::size_t>(rest.size(), 117));
-                expected += func.substr(0, room) + '\n' + std::string(118 - shown.size(), ' ') + shown;
-            }
-            Current const c(nullptr, 0, func.c_str());
-            EXPECT_EQ(printed(c.prefix(std::string(prefix, '>').c_str())), expected) << prefix << ", " << length;
-        }
-    }
-}
-
-TEST(Current, OrdersByFileLineAndFunction) {
-    Current const ascending[] = {{"A", 9, "z"}, {"a", 2, "b"}, {"a", 10, "a"}, {"a", 10, "b"}, {"\xE0", 1, "a"}};
-    for (Current const & x : ascending) {
-        for (Current const & y : ascending) EXPECT_EQ(x < y, &x < &y) << x << y;
-    }
 }
 
 CallStack twoCalls() {
@@ -271,12 +243,6 @@ TEST(Diagnostics, ReachesTheSinkAndIsSilentWithoutOne) {
     log.calls_ = twoCalls();
     EXPECT_EQ(tellAll(), 3u);
     EXPECT_EQ(log.notes_.size(), 3u);
-}
-
-TEST(System, ClosesOnce) {
-    EXPECT_FALSE(System::closing());
-    System::close();
-    EXPECT_TRUE(System::closing());
 }
 
 TEST(NullHandleDeathTest, AbortsOnRequest) {

@@ -37,6 +37,7 @@ constexpr char const * heading =
 TEST(WriteHex, IsOneLineOfPairs) {
     EXPECT_EQ(line(""), "");
     EXPECT_EQ(line(nullptr), "");
+    EXPECT_EQ(written(write_hex(nullptr, 0)), "");
     EXPECT_EQ(line("A"), "41");
     EXPECT_EQ(line("A\n\xFF"), "41 0A FF");
     std::string const longest = line(bytes(256));

@@ -231,6 +231,18 @@ TEST(PmlHostile, TreesThatChangeThreadsLeaveNoMemoryBehind) {
     for (auto & desk : desks) delete desk.load();
 }
 
+TEST(PmlHostile, ThreadsThatEndGiveTheirNodesBack) {
+    std::size_t warm = 0;
+    for (int i = 0; i < 2000; ++i) {
+        std::thread([] {
+            Unit unit;
+            for (std::size_t n = 0; n < 200; ++n) unit.addChild("", "v");
+        }).join();
+        if (i == 20) warm = chunks;
+    }
+    EXPECT_LE(chunks - warm, 4u);
+}
+
 TEST(PmlHostile, ThreadsMayReadOneTree) {
     for (int round = 0; round < 20; ++round) {
         Unit root("root");

@@ -139,32 +139,20 @@ TEST(PmlToolNumbers, AreComparedWithTheirTypeWords) {
         std::string fault;
     } const rows[] = {
         {"", "1.5.8", ""},
-        {"word", "70000", ""},
-        {"int", "", ""},
         {"int", " 42 ", ""},
-        {"int", "+2147483647", ""},
         {"Int32_t", "-2147483648", ""},
         {"long", "-2147483649", "is out of range: -2147483648 to 2147483647"},
         {"int", "12abc", notDecimal},
-        {"int", "0x1F", notDecimal},
         {"int", "-", notDecimal},
-        {"bool", "1", ""},
         {"bit", "true", "is no 0 or 1"},
         {"bool", "2", "is out of range: 0 to 1"},
         {"Unsigned Short", "65536", "is out of range: 0 to 65535"},
         {"ulong", "-1", "is out of range: 0 to 4294967295"},
-        {"unsigned", "-0", ""},
         {"long long", "-9223372036854775808", ""},
-        {"longlong", "-9223372036854775809", "is out of range: -9223372036854775808 to 9223372036854775807"},
-        {"ulonglong", "18446744073709551615", ""},
         {"uint64_t", "99999999999999999999999", "is out of range: 0 to 18446744073709551615"},
         {"float", "0.000123456", ""},
-        {"float", "-123456000", ""},
-        {"double", "1.500000000e10", ""},
         {"Double", "3.14159265", "has 9 significant digits, of which 6 are kept"},
-        {"float", "1000001", "has 7 significant digits, of which 6 are kept"},
         {"float", "1e39", "is out of range"},
-        {"double", "1e39", ""},
         {"double", "1e999", "is out of range"},
         {"double", "1,5", notNumber},
     };
@@ -178,12 +166,7 @@ class Outline final : public pmltool::Visitor {
 public:
     void name(Token const & token) override { text_ += '\n' + token.text + '\1'; }
     void type(Token const & token) override { text_ += token.text; }
-    void text(Token const & token) override {
-        yon::String value(token.text);
-        while (!value.empty() && yon::pml::pmlLexer::IsBlankChar(value.back())) value.pop_back();
-        yon::pml::unescapeString(value);
-        text_ += '\2' + value;
-    }
+    void text(Token const & token) override { text_ += '\2' + token.value(); }
     void listBegin() override { text_ += '{'; }
     void listEnd(Token const &) override { text_ += '}'; }
     std::string const & outline() const { return text_; }

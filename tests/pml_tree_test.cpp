@@ -374,30 +374,18 @@ void refuses(T before, std::initializer_list<char const *> texts) {
 }
 
 TEST(PmlTree, TypedExtraction) {
-    using S = short;
-    using U = unsigned short;
-    reads(" 42 ", 42, "12abc", 12, "+5", 5, "-2147483648", Limits<int>::min(), "-32768", S{-32768}, "65535", U{65535},
-          "4294967295", 4294967295u, "-1", 4294967295u, "-9", -9L, "9", 9UL, "9223372036854775807",
-          Limits<long long>::max(), "18446744073709551615", Limits<unsigned long long>::max());
-    reads("1", true, " 0", false, "  x y", 'x', "65", static_cast<signed char>('6'), "\xC3",
-          static_cast<unsigned char>(0xC3), "3.5x", 3.5, "1e3", 1000.0f, "-.5", -0.5);
-    reads("7", Bit(true), "0", Bit(false), "65", Char('A'), "300", Char(44), "300", Byte(44), "-4", Short(-4), "4",
-          Ushort(4), "-5", Long(-5), "5", Ulong(5), "-6", Longlong(-6), "6", Ulonglong(6), "2.5", Float(2.5f), "0.1",
-          Double(0.1));
+    // How texts of numbers are read, number_text_test checks.
+    reads(" 42 ", 42, "12abc", 12, "-32768", short{-32768}, "-1", 4294967295u, "9", 9UL, "1", true, "  x y", 'x',
+          "3.5x", 3.5, "1e3", 1000.0f);
+    reads("7", Bit(true), "65", Char('A'), "300", Byte(44), "-4", Short(-4), "5", Ulong(5), "0.1", Double(0.1));
     reads(" as it is ", String(" as it is "), "", std::string(), "wx", wstring{'w', 'x'}, "AQID",
           Bytes(istr("\1\2\3")), "", Bytes(), " -12 ", Time(-12));
-    refuses(7, {"", " ", "abc", "2147483648", "-", "99999999999999999999"});
-    refuses(S{7}, {"40000", ""});
-    refuses(U{7}, {"65536"});
-    refuses(7LL, {"9223372036854775808"});
-    refuses(7ULL, {"18446744073709551616", "x"});
+    refuses(7, {"", " ", "abc", "2147483648"});
     refuses(true, {"2", "true", ""});
     refuses('q', {"", "  "});
-    refuses(7.0, {"", "x", ".", "1e999"});
-    refuses(7.0f, {"1e39"});
+    refuses(7.0, {"", "x", "1e999"});
     refuses(Bit(true), {"true", "40000", ""});
     refuses(Char('q'), {"A", "40000"});
-    refuses(Long(7), {"2147483648"});
     refuses(String("kept"), {});
     refuses(wstring{'w'}, {});
     refuses(Bytes(istr("x")), {});
@@ -431,203 +419,72 @@ TEST(PmlTree, LeakCheckerKnowsNodesAndTheirMakers) {
     MemLeakChecker::enable(false);
 }
 
-/// A tree of plain values, against which random editing is checked.
-struct Model {
-    enum Kind { none, text, list };
-    std::string name;
-    std::string type;
-    Kind kind = none;
-    std::string value;
-    std::vector<Model> children;
-
-    static std::string key(std::string const & name, std::size_t i) {
-        return name.empty() ? "[" + std::to_string(i) + "]" : name;
-    }
-    /// Whether a child other than the one at `except` has that key.
-    bool hasKey(std::string const & k, std::size_t except) const {
-        for (std::size_t i = 0; i < children.size(); ++i) {
-            if (i != except && key(children[i].name, i) == k) return true;
-        }
-        return false;
-    }
-    void makeList() {
-        if (kind == text) children.push_back({"", "", text, value, {}});
-        kind = list;
-    }
-    bool add(Model child) {
-        makeList();
-        if (hasKey(key(child.name, children.size()), children.size())) return false;
-        children.push_back(std::move(child));
-        return true;
-    }
-    void take(Model const & from) {
-        Model const copy = from;
-        type = copy.type;
-        kind = copy.kind;
-        value = copy.value;
-        children = copy.children;
-    }
-    std::size_t size() const {
-        std::size_t n = 1;
-        for (Model const & child : children) n += child.size();
-        return n;
-    }
-};
-
-std::string shapeOf(Model const & m) {
-    std::string out = m.name + (m.type.empty() ? "" : ":" + m.type);
-    if (m.kind == Model::text) out += "=" + m.value;
-    if (m.kind != Model::list) return out;
-    out += '{';
-    for (Model const & child : m.children) out += (&child == m.children.data() ? "" : " ") + shapeOf(child);
-    return out + '}';
+std::size_t sizeOf(Unit const & unit) {
+    std::size_t size = 1;
+    for (ulong i = 0; i < unit.numofChildren(); ++i) size += sizeOf(unit[i]);
+    return size;
 }
 
-/// Edits a tree and its model in the same way.
-class Editor {
-public:
-    explicit Editor(unsigned seed) : random_(seed) {}
+/// What is wrong with a tree, or with a copy of it; a name that stands twice makes the copy throw.
+std::string linksAndKeys(Unit const & root) {
+    Unit const copy(root);
+    return brokenLinks(root) + brokenLinks(copy) + (sameTree(root, copy) ? "" : " the copy");
+}
 
-    void step() {
-        Place const at = place();
-        Unit & unit = *at.unit;
-        Model & model = *at.model;
-        std::string const name = randomName();
-        switch (random_() % 11) {
-            case 0:
-            case 1:
-            case 2:
-                add(unit, model, name);
-                break;
-            case 3:
-                update(unit, model, name);
-                break;
-            case 4:
-                unit.setValue(name);
-                model = {model.name, model.type, Model::text, name, {}};
-                break;
-            case 5:
-                if (random_() % 4 == 0) {
-                    delete unit.popValue();
-                    model = {model.name, model.type, Model::none, "", {}};
-                }
-                break;
-            case 6:
-                rename(at, name);
-                break;
-            case 7:
-                unit.type(name);
-                model.type = name;
-                break;
-            case 8:
-                copy(at, place());
-                break;
-            case 9:
-                append(unit, model);
-                break;
-            default:
-                move(at);
-                break;
-        }
-    }
-
-    void check() const {
-        ASSERT_EQ(shape(root_), shapeOf(model_));
-        ASSERT_EQ(brokenLinks(root_), "");
-    }
-
-private:
-    struct Place {
-        Unit * unit;
-        Model * model;
-        Model * parent;
-        std::size_t index;
-    };
-
-    Place place() {
-        Place p{&root_, &model_, nullptr, 0};
-        while (!p.model->children.empty() && random_() % 3 != 0) {
-            std::size_t const i = random_() % p.model->children.size();
-            p = {p.unit->at(i), &p.model->children[i], p.model, i};
-        }
-        return p;
-    }
-    std::string randomName() {
-        switch (random_() % 6) {
-            case 0:
-                return "";
-            case 1:
-                return "[" + std::to_string(random_() % 20) + "]";
-            default:
-                return "n" + std::to_string(random_() % 40);
-        }
-    }
-
-    void add(Unit & unit, Model & model, std::string const & name) {
-        bool const fits = model.add({name, "t", Model::text, "v", {}});
-        EXPECT_EQ(refusal([&] { unit.addChild(name, "t", "v"); }), fits ? "none" : duplicated);
-    }
-    void update(Unit & unit, Model & model, std::string const & name) {
-        if (name.empty() || name[0] == '[') return;
-        bool fresh = true;
-        for (Model & child : model.children) {
-            if (child.name != name) continue;
-            child = {name, "u", Model::text, "w", {}};
-            fresh = false;
-        }
-        if (fresh) model.add({name, "u", Model::text, "w", {}});
-        EXPECT_EQ(unit.updateChild(name, "u", "w"), fresh);
-    }
-    void rename(Place const & at, std::string const & name) {
-        if (at.parent != nullptr && at.parent->hasKey(Model::key(name, at.index), at.index)) return;
-        if (random_() % 2) {
-            at.unit->name(istr(name));
-        } else {
-            at.unit->name() = name;
-        }
-        at.model->name = name;
-    }
-    void copy(Place const & to, Place const & from) {
-        if (model_.size() + from.model->size() > 300) return;
-        if (to.parent == nullptr || !to.parent->hasKey(Model::key(from.model->name, to.index), to.index)) {
-            if (random_() % 2) {
-                *to.unit = *from.unit;
-                std::string const name = from.model->name;
-                to.model->take(*from.model);
-                to.model->name = name;
-                return;
-            }
-        }
-        *to.unit << *from.unit;
-        to.model->take(*from.model);
-    }
-    void append(Unit & unit, Model & model) {
-        if (model.kind != Model::list || model_.size() > 200) return;
-        std::vector<Model> const children = model.children;
-        bool fits = true;
-        for (Model const & child : children) fits = fits && model.add(child);
-        EXPECT_EQ(refusal([&] { unit += unit; }), fits ? "none" : duplicated);
-    }
-    /// The only or last child replaces its parent.
-    void move(Place const & at) {
-        if (at.model->children.empty() || at.parent != nullptr || random_() % 8 != 0) return;
-        Model last = at.model->children.back();
-        *at.unit = std::move(*at.unit->at(at.model->children.size() - 1));
-        *at.model = std::move(last);
-    }
-
-    std::mt19937 random_;
-    Unit root_;
-    Model model_;
-};
-
-TEST(PmlTree, RandomEditingFollowsTheModel) {
-    for (unsigned seed = 1; seed <= 30; ++seed) {
-        Editor editor(seed);
+TEST(PmlTree, RandomEditingKeepsLinksAndKeys) {
+    std::mt19937 random(1);
+    for (int round = 0; round < 30; ++round) {
+        Unit root;
         for (int i = 0; i < 400; ++i) {
-            editor.step();
-            if (i % 4 == 0) editor.check();
-            if (testing::Test::HasFailure()) FAIL() << "seed " << seed << " step " << i;
+            auto const place = [&] {
+                Unit * unit = &root;
+                while (unit->numofChildren() != 0 && random() % 3 != 0)
+                    unit = unit->at(random() % unit->numofChildren());
+                return unit;
+            };
+            Unit & unit = *place();
+            bool const wild = random() % 4 == 0;
+            std::string const name =
+                wild ? "[" + std::to_string(random() % 20) + "]" : "n" + std::to_string(random() % 40);
+            istr const key = random() % 6 != 0 ? istr(name) : istr();
+            Unit const * const known = unit.numofChildren() != 0 && !key.empty() ? look(unit, name.c_str()) : nullptr;
+            ulong const count = unit.numofChildren();
+            switch (random() % 10) {
+                case 0:
+                case 1:
+                case 2:
+                    if (known != nullptr) {
+                        EXPECT_EQ(refusal([&] { unit.addChild(key, "t", "v"); }), duplicated);
+                        EXPECT_EQ(unit.numofChildren(), count);
+                    } else {
+                        refusal([&] { unit.addChild(key, "t", "v"); });
+                    }
+                    break;
+                case 3:
+                    if (!wild && !key.empty()) {
+                        EXPECT_EQ(unit.updateChild(key, "u", "w"), known == nullptr);
+                    }
+                    break;
+                case 4:
+                    if (random() % 4 == 0) unit.setValue(name);
+                    break;
+                case 5:
+                    if (random() % 4 == 0) delete unit.popValue();
+                    break;
+                case 6:
+                    if (unit.parent() == nullptr || look(*unit.parent(), name.c_str()) == nullptr) unit.name() = name;
+                    break;
+                case 7:
+                    if (sizeOf(root) < 200) unit << *place();
+                    break;
+                case 8:
+                    if (count != 0 && sizeOf(root) < 200) refusal([&] { unit += unit; });
+                    break;
+                default:
+                    if (unit.parent() == nullptr && count != 0 && random() % 8 == 0)
+                        unit = std::move(*unit.at(count - 1));
+            }
+            ASSERT_EQ(linksAndKeys(root), "") << "round " << round << " step " << i;
         }
     }
 }

@@ -59,20 +59,6 @@ TYPED_TEST(Scalars, StandInForTheirValue) {
     EXPECT_EQ(ours.str(), peer.str());
 }
 
-TYPED_TEST(Scalars, ReadBackWhatTheyPrint) {
-    using T = TypeParam;
-    using V = std::remove_cvref_t<decltype(T().value())>;
-    std::mt19937 random;
-    for (int i = 0; i < 1000; ++i) {
-        T const value(static_cast<V>(random() >> random() % 32));
-        T const back(T(value.toString()).toString());
-        EXPECT_EQ(back.toString(), value.toString());
-        if constexpr (std::integral<V>) {
-            EXPECT_EQ(back.value(), value.value());
-        }
-    }
-}
-
 template <class T, class H>
 void checkHalves(H) {
     using V = std::remove_cvref_t<decltype(T().value())>;
@@ -164,18 +150,9 @@ TEST(Printing, ShowsCharactersWhereItDumps) {
     EXPECT_EQ((-Double(0.5)).value(), -0.5);
 }
 
-TEST(CharClass, KnowsHexadecimalDigitsAndKinds) {
-    for (unsigned i = 0; i < 256; ++i) {
-        unsigned char const d = static_cast<unsigned char>(i);
-        EXPECT_EQ(Char().fromHex(d).toHex(), d & 15);
-        EXPECT_EQ(Char(static_cast<char>(d)).isXdigit(), Char(static_cast<char>(d)).toHex() != 255);
-    }
-    Char const a('a');
-    EXPECT_TRUE(a.isAlpha() && a.isLower() && a.isAlnum() && a.isGraph() && a.isPrint() && a.toUpper().isUpper());
-    EXPECT_TRUE(Char(' ').isSpace() && Char('\n').isCntrl() && Char('5').isDigit() && Char('!').isPunct());
-    EXPECT_EQ(Char('Q').toLower(), 'q');
-    EXPECT_TRUE(a.in("xa") && Char(0).in("") && !a.in("x") && !a.in(nullptr) && !Char(0).in(nullptr));
-    EXPECT_FALSE(a.in(istr("xa", 1)));
+TEST(CharClass, LooksIntoASet) {
+    EXPECT_TRUE(Char('a').in("xa") && Char(0).in("") && !Char('a').in(istr("xa", 1)) && !Char('a').in(nullptr));
+    EXPECT_FALSE(Char(0).in(nullptr));
 }
 
 TEST(Bits, AreAddressedByByteAndBit) {

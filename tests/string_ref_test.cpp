@@ -104,6 +104,7 @@ TEST(StringRef, StandsBehindTheTextThatIsThere) {
     EXPECT_EQ(b.size(), 2u);
     StringRef none;
     EXPECT_TRUE((none << "a").fill('x', 3).empty() && none.null() && none.left() == 0 && istr(none).is_null());
+    EXPECT_TRUE(StringRef(nullptr, 0, 0).null() && StringRef(nullptr, 5).append("a").empty());
 
     std::ostringstream os, address;
     address << static_cast<void *>(room);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <random>
 #include <sstream>
 #include <unordered_set>
 
@@ -8,6 +10,7 @@
 #include "yon/base/mem.h"
 #include "yon/base/ostr.h"
 #include "yon/base/string.h"
+#include "yon/string/multi_string.h"
 
 namespace yon {
 namespace {
@@ -108,6 +111,29 @@ TEST(Istr, CutsAndSearches) {
     EXPECT_TRUE(abab.find("b") == 1 && abab.find('b', 2) == 3 && abab.rfind("ab") == 2 && abab.rfind('x') == npos);
     EXPECT_TRUE(dumped(abc) == "3, abc" && dumped(istr()) == "0, ");
     EXPECT_EQ(written(istr("a\0b", 3)), "a\0b"s);
+}
+
+TEST(Istr, FindsLongTextsInLinearTime) {
+    std::mt19937 random(1);
+    for (int round = 0; round < 20000; ++round) {
+        // Texts of beginnings of what is looked for, which itself repeats.
+        std::string s;
+        std::string const part = std::string(random() % 9, 'a') + (random() % 2 != 0 ? "b" : "");
+        while (s.size() < 17 + random() % 24) s += random() % 8 != 0 ? part : "a";
+        std::string text;
+        while (text.size() < 1000) text += s.substr(random() % 2 != 0 ? random() % 3 : 0, random() % s.size());
+        if (random() % 4 != 0) text += s;
+        auto const pos = static_cast<ulong>(random() % 20);
+        ASSERT_EQ(istr(text).find(s, pos), static_cast<ulong>(text.find(s, pos))) << s << '\n' << text;
+        wstring const wide(s.begin(), s.end());
+        wstring const wideText(text.begin(), text.end());
+        ASSERT_EQ(iwstr(wideText).find(iwstr(wide), pos), static_cast<ulong>(text.find(s, pos)));
+    }
+    std::string const half(1 << 20, 'a');
+    auto const start = std::chrono::steady_clock::now();
+    EXPECT_EQ(istr(half + half).find(half + 'b'), npos);
+    EXPECT_EQ(MultiString(half + half, half + 'b').list().size(), 1u);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 
 TEST(Ostr, FillsItsRoom) {

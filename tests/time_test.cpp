@@ -8,7 +8,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <ctime>
-#include <random>
 #include <sstream>
 #include <unordered_set>
 
@@ -59,25 +58,6 @@ TEST_F(DateTimeTest, ShowsLocalTimeToTheMillisecond) {
         std::ostringstream os;
         os << Time(row.microseconds);
         EXPECT_EQ(os.str(), row.text);
-    }
-}
-
-TEST_F(DateTimeTest, AgreesWithTheCalendar) {
-    std::mt19937_64 random(1);
-    for (int i = 0; i < 20000; ++i) {
-        // Years 1700 to 4000, so that every way of computing them has its share.
-        longlong const us = static_cast<longlong>(random() % 72000000000000000) - 8500000000000000;
-        auto const local = std::chrono::sys_time<std::chrono::microseconds>(std::chrono::microseconds(us) +
-                                                                            std::chrono::seconds(offset));
-        auto const day = std::chrono::floor<std::chrono::days>(local);
-        std::chrono::year_month_day const date(day);
-        std::chrono::hh_mm_ss const clock(std::chrono::floor<std::chrono::milliseconds>(local - day));
-        char text[64];
-        std::snprintf(text, sizeof text, "%04d-%02u-%02u %02d:%02d:%02d.%03d", int{date.year()},
-                      unsigned{date.month()}, unsigned{date.day()}, static_cast<int>(clock.hours().count()),
-                      static_cast<int>(clock.minutes().count()), static_cast<int>(clock.seconds().count()),
-                      static_cast<int>(clock.subseconds().count()));
-        ASSERT_EQ(Time(us).toDateTime(), text) << us;
     }
 }
 

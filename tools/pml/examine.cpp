@@ -7,7 +7,6 @@
 #include "tree.h"
 #include "visible.h"
 #include "walk.h"
-#include "yon/pml/pml_parser.h"
 
 namespace pmltool {
 
@@ -59,8 +58,7 @@ public:
     }
 
     void text(Token const & token) override {
-        String value(token.text);
-        yon::pml::unescapeString(value);
+        String const value = token.value();
         if (token.ended && !value.empty() && (isBlank(value.front()) || isBlank(value.back()))) {
             warn(token.begin, "this text begins or ends with a blank, and keeps it only in quotes");
         }

@@ -1,5 +1,7 @@
 #include "scanner.h"
 
+#include "yon/pml/pml_parser.h"
+
 namespace pmltool {
 
 namespace {
@@ -8,6 +10,17 @@ bool isBlank(char c) noexcept { return yon::pml::pmlLexer::IsBlankChar(c); }
 bool isQuote(char c) noexcept { return c == '\'' || c == '"'; }
 
 }  // namespace
+
+yon::String Token::value() const {
+    yon::String value(text);
+    while (!value.empty() && isBlank(value.back())) value.pop_back();
+    if (mixed) {
+        value.erase(value.begin());
+    } else {
+        yon::pml::unescapeString(value);
+    }
+    return value;
+}
 
 bool Scanner::Characters::__peek_char(char & c) {
     if (next_ == text_.size()) return false;
@@ -61,8 +74,26 @@ void Scanner::dissect() {
         token_.end = piece.end;
         hasText = true;
     }
+    token_.mixed = isMixed();
     // Where nothing but comments comes before the end of the input, that is at the last one.
     if (!hasText && !token_.ended && !token_.pieces.empty()) token_.begin = token_.end = token_.pieces.back().begin;
+}
+
+/// A comment between two pieces keeps the lexer from joining them.
+bool Scanner::isMixed() const noexcept {
+    Piece const * first = nullptr;
+    Piece const * last = nullptr;
+    bool commented = false;
+    for (Piece const & piece : token_.pieces) {
+        if (piece.kind == Piece::comment) {
+            commented = first != nullptr;
+            continue;
+        }
+        if (piece.kind == Piece::plain || !piece.closed || commented) return false;
+        if (first == nullptr) first = &piece;
+        last = &piece;
+    }
+    return first != nullptr && text_[first->begin] != text_[last->begin];
 }
 
 Piece Scanner::comment(std::size_t begin) const noexcept {

@@ -27,7 +27,10 @@ struct Token {
     std::size_t end;    ///< of the text, or the tag when there is none
     std::size_t tag;    ///< the tag, or the end of the input
     std::vector<Piece> pieces;
+    bool mixed;  ///< all in quotes, of which the last ones differ from the first ones
 
+    /// What the parser makes of the token where it is a text.
+    yon::String value() const;
     /// The quote or comment that is never closed, or null.
     Piece const * unclosed() const noexcept {
         return pieces.empty() || pieces.back().closed ? nullptr : &pieces.back();
@@ -69,6 +72,7 @@ private:
     };
 
     void dissect();
+    bool isMixed() const noexcept;
     Piece comment(std::size_t begin) const noexcept;
     Piece quoted(std::size_t begin) const noexcept;
     Piece plain(std::size_t begin) const noexcept;

@@ -109,6 +109,9 @@ YON_API bool StrBeginWith(char const * s, istr prefix) noexcept;
 /// The character at `i` (`i == size`, the terminator, included); a NUL beyond it or for null.
 YON_API char const & CharAt(char const * s, ulong size, ulong i) noexcept;
 YON_API unsigned char const & CharAt(unsigned char const * s, ulong size, ulong i) noexcept;
+inline char const & CharAt(std::nullptr_t, ulong size, ulong i) noexcept {
+    return CharAt(static_cast<char const *>(nullptr), size, i);
+}
 /// The same to write to. Raises `OutOfRangeException` for null and for `i > size`.
 YON_API char & CharAt(char * s, ulong size, ulong i);
 YON_API unsigned char & CharAt(unsigned char * s, ulong size, ulong i);

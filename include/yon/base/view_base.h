@@ -8,6 +8,13 @@
 
 namespace yon::detail {
 
+/// Up to this length, texts are looked for in the plain way.
+inline constexpr std::size_t longestShort = 16;
+/// The position of a longer text at or after `pos`, in linear time.
+YON_API std::size_t findLong(std::string_view text, std::string_view s, std::size_t pos) noexcept;
+YON_API std::size_t findLong(std::basic_string_view<wchar> text, std::basic_string_view<wchar> s,
+                             std::size_t pos) noexcept;
+
 /// A length and a pointer to constant characters. `View` is the class that derives from this one.
 template <class View, class Char>
 struct view_base {
@@ -56,8 +63,10 @@ struct view_base {
 
     bool beginWith(View const & s) const noexcept { return text().starts_with(s.text()); }
 
-    /// The position of the first occurrence at or after `pos`, or `npos`.
-    ulong find(View const & s, ulong pos = 0) const noexcept { return position(text().find(s.text(), pos)); }
+    /// The position of the first occurrence at or after `pos`, or `npos`. Takes linear time.
+    ulong find(View const & s, ulong pos = 0) const noexcept {
+        return position(s.size_ <= longestShort ? text().find(s.text(), pos) : findLong(text(), s.text(), pos));
+    }
     ulong find(Char c, ulong pos = 0) const noexcept { return position(text().find(c, pos)); }
     /// The position of the last occurrence, or `npos`.
     ulong rfind(View const & s) const noexcept { return position(text().rfind(s.text())); }

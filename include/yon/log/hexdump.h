@@ -23,6 +23,7 @@ namespace detail {
 class hex_source {
 public:
     explicit hex_source(istr data) noexcept : data_(data) {}
+    hex_source(std::nullptr_t, unsigned long) noexcept {}
     hex_source(unsigned char const * data, unsigned long size) noexcept : data_(data, length(size)) {}
     hex_source(char const * data, unsigned long size) noexcept : data_(data, length(size)) {}
 

@@ -88,8 +88,7 @@ ntv::ValueBase * newNtvValue(S && source) {
     return ntvFromValueString(unit, source) ? unit.popValue() : nullptr;
 }
 
-/// Takes the quotes off a value token: at both ends where they are equal, at the front alone where pieces of
-/// different quotes were joined.
+/// Takes a pair of quotes off a value token that begins and ends with the same one.
 YON_API void unescapeString(String & token);
 
 }  // namespace yon::pml

@@ -21,6 +21,8 @@ public:
         : addr_(buffer), cursor_(cursor), size_(size) {}
     StringRef(char * buffer, ulong size, ulong cursor = 0) noexcept
         : StringRef(reinterpret_cast<unsigned char *>(buffer), size, cursor) {}
+    constexpr StringRef(std::nullptr_t, ulong size, ulong cursor = 0) noexcept
+        : StringRef(static_cast<unsigned char *>(nullptr), size, cursor) {}
     /// Over the room; the cursor stands at the end of the text.
     explicit StringRef(ostr const & s) noexcept : StringRef(s.buffer(), s.max_size(), s.size()) {}
     /// Over the capacity; the cursor stands at the fill size, which writing does not change.

@@ -3,10 +3,11 @@
 #include "yon/base/pooled.h"
 #include "yon/base/spin_lock.h"
 #include "yon/platform/fork.h"
+#include "yon/platform/thread_end.h"
 
 namespace yon {
 
-thread_local constinit Slab Slab::local_;
+thread_local constinit Slab * Slab::local_ = nullptr;
 
 /// What no thread holds: magazines of each size, and rests of chunks. Constant-initialised and never destroyed, so
 /// that trees may be built and destroyed in static constructors and destructors.
@@ -71,17 +72,19 @@ struct Slab::Depot {
 
 bool const Slab::Depot::survivesFork = (platform::onFork(platform::ForkLayer::data, lock, unlock, unlock), true);
 
-struct Slab::ThreadEnd {
-    ~ThreadEnd() { local().giveBack(); }
-};
+/// The thread's lists, which go at its end. A node that is destroyed later yet in that thread makes new ones.
+Slab & Slab::make() noexcept {
+    auto * const own = new Slab;
+    local_ = own;
+    platform::atThreadEnd(threadEnds, own);
+    return *own;
+}
 
-/// Arranges that the thread gives back what it holds when it ends.
-void Slab::watch() {
-    if (state_ != State::fresh) return;
-    static thread_local ThreadEnd atEnd;
-    static_cast<void>(&atEnd);
-    state_ = State::watched;
-    limit_ = magazine;
+void Slab::threadEnds(void * slab) noexcept {
+    local_ = nullptr;
+    auto * const own = static_cast<Slab *>(slab);
+    own->giveBack();
+    delete own;
 }
 
 bool Slab::refill(std::size_t c) noexcept {
@@ -98,8 +101,6 @@ bool Slab::refill(std::size_t c) noexcept {
 
 void * Slab::carve(std::size_t c) {
     std::size_t const size = (c + 1) * granule;
-    watch();
-    if (state_ == State::ended) return ::operator new(size);
     if (chunkLeft_ < size) {
         std::size_t left = chunkSize;
         char * const rest = Depot::instance().takeRest(left);
@@ -112,18 +113,10 @@ void * Slab::carve(std::size_t c) {
     return p;
 }
 
-/// The list has one block more than its limit.
+/// The list has one block more than a magazine.
 void Slab::overflow(std::size_t c) noexcept {
     List & list = lists_[c];
-    watch();
-    if (list.count <= limit_) return;
-    Depot & depot = Depot::instance();
-    if (state_ == State::ended) {
-        depot.put(c, list.head, list.count);
-        list = List();
-        return;
-    }
-    if (list.full != nullptr) depot.put(c, list.full, magazine);
+    if (list.full != nullptr) Depot::instance().put(c, list.full, magazine);
     list.full = list.head->next;
     list.head->next = nullptr;
     list.count = 1;
@@ -139,8 +132,6 @@ void Slab::giveBack() noexcept {
     }
     depot.putRest(chunk_, chunkLeft_);
     chunkLeft_ = 0;
-    limit_ = 0;
-    state_ = State::ended;
 }
 
 void * detail::allocateBlock(std::size_t size) { return Slab::local().allocate(size); }

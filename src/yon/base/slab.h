@@ -27,7 +27,10 @@ public:
     static constexpr std::size_t largest = 64;
 
     /// The calling thread's lists. Fetch it once for a long piece of work.
-    static Slab & local() noexcept { return local_; }
+    static Slab & local() noexcept {
+        Slab * const own = local_;
+        return own != nullptr ? *own : make();
+    }
 
     void * allocate(std::size_t size) {
         if (size > largest || passThrough) return ::operator new(size);
@@ -47,7 +50,7 @@ public:
         List & list = lists_[c];
         Block * const b = ::new (p) Block{list.head};
         list.head = b;
-        if (++list.count > limit_) overflow(c);
+        if (++list.count > magazine) overflow(c);
     }
 
 private:
@@ -61,9 +64,7 @@ private:
         Block * full = nullptr;
         unsigned count = 0;
     };
-    enum class State : unsigned char { fresh, watched, ended };
     struct Depot;
-    struct ThreadEnd;
 
     static constexpr bool passThrough = YON_SLAB_PASSES_THROUGH;
     static constexpr std::size_t granule = 16;
@@ -80,16 +81,16 @@ private:
     bool refill(std::size_t c) noexcept;
     void * carve(std::size_t c);
     void overflow(std::size_t c) noexcept;
-    void watch();
     void giveBack() noexcept;
+    static Slab & make() noexcept;
+    static void threadEnds(void * slab) noexcept;
 
     List lists_[classes];
     char * chunk_ = nullptr;
     std::size_t chunkLeft_ = 0;
-    unsigned limit_ = 0;  ///< of blocks in a list; 0 until the end of the thread is watched, and after it
-    State state_ = State::fresh;
 
-    static thread_local constinit Slab local_;
+    /// On the heap, so that it is still there when the end of the thread gives its blocks back.
+    static thread_local constinit Slab * local_;
 };
 
 }  // namespace yon

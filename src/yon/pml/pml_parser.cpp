@@ -88,7 +88,7 @@ private:
             Access::setType(*node_, token_.text);
         }
         if (!next() || token_.flag == pmlLexer::TokenEnd) {
-            setText(unquoted(trimmedRight(token_.text)));
+            setText(unquoted(trimmedRight(token_.text), token_.mixed));
             return false;
         }
         openList();

@@ -17,6 +17,7 @@ struct Position {
 struct Token {
     istr text;
     pmlLexer::TokenFlag flag = pmlLexer::TokenEnd;
+    bool mixed = false;  ///< the text is of quoted pieces, of which the last one has other quotes than the first
     String buffer;
 };
 
@@ -27,13 +28,11 @@ inline istr trimmedRight(istr text) noexcept {
 
 inline bool isQuote(char c) noexcept { return c == '\'' || c == '"'; }
 
-/// A value token without its quotes: both of a pair, only the opening one where pieces of different quotes were
-/// joined.
-inline istr unquoted(istr token) noexcept {
+/// A value token without its quotes: both of a pair, only the opening one of mixed pieces.
+inline istr unquoted(istr token, bool mixed = false) noexcept {
     if (token.size() < 2 || !isQuote(token[0])) return token;
-    char const last = token[token.size() - 1];
-    if (last == token[0]) return token.removeLeft(1).removeRight(1);
-    return isQuote(last) ? token.removeLeft(1) : token;
+    if (token[token.size() - 1] == token[0]) return token.removeLeft(1).removeRight(1);
+    return mixed ? token.removeLeft(1) : token;
 }
 
 /// Characters in memory.
@@ -203,7 +202,9 @@ bool skipComment(Source & in) {
 /// Reads quoted text whose opening quote was taken, and the quoted pieces that follow it, into one text with its
 /// first opening and its last closing quote. False when the input ends first.
 template <class Source>
-bool readQuoted(Source & in, char quote, String & out) {
+bool readQuoted(Source & in, char quote, Token & token) {
+    String & out = token.buffer;
+    char const opening = out.empty() ? quote : '\0';
     out += quote;
     char c;
     for (;;) {
@@ -216,10 +217,12 @@ bool readQuoted(Source & in, char quote, String & out) {
             out += c;
         } else {
             out += quote;
+            token.mixed = opening != '\0' && quote != opening;
             if (!in.skipBlanks()) return false;
             if (!in.peek(c) || !isQuote(c)) return true;
             in.get(quote);
             out.pop_back();
+            token.mixed = false;
         }
     }
 }
@@ -229,6 +232,7 @@ bool readQuoted(Source & in, char quote, String & out) {
 template <class Source>
 bool readToken(Source & in, Token & token, typename Source::Mark & start) {
     token.text = istr();
+    token.mixed = false;
     bool const more = in.skipBlanks();
     start = in.mark();
     if (!more) return false;
@@ -253,8 +257,9 @@ bool readToken(Source & in, Token & token, typename Source::Mark & start) {
             if (!skipComment(in) || !in.skipBlanks()) break;
             if (out.empty()) start = in.mark();
         } else if (isQuote(c)) {
-            if (!readQuoted(in, c, out)) break;
+            if (!readQuoted(in, c, token)) break;
         } else {
+            token.mixed = false;
             out += c;
             in.takePlain(out);
         }

@@ -41,9 +41,10 @@ MultiString & MultiString::split() {
         for (char const * p = full_.c_str(); p <= full_.c_str() + full_.size(); ++p) list_.emplace_back(istr(p, 1));
         return *this;
     }
-    std::string_view rest = full_;
-    for (std::size_t p; (p = rest.find(sep_)) != rest.npos; rest.remove_prefix(p + sep_.size())) {
-        list_.emplace_back(rest.substr(0, p));
+    istr const sep = sep_;
+    istr rest = full_;
+    for (ulong p; (p = rest.find(sep)) != npos; rest = rest.removeLeft(p + sep.size())) {
+        list_.emplace_back(rest.leftstr(p));
     }
     list_.emplace_back(rest);
     return *this;
