@@ -9,4 +9,9 @@ foreach(dll libgcc_s_dw2-1.dll libstdc++-6.dll libwinpthread-1.dll)
   list(APPEND yon_runtime_dlls ${path})
 endforeach()
 file(COPY ${yon_runtime_dlls} DESTINATION ${PROJECT_BINARY_DIR}/bin)
-install(FILES ${yon_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES ${yon_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+# The licences of what stands beside the library, or within it.
+foreach(package gcc-mingw-w64-base mingw-w64-i686-dev libace-dev)
+  install(FILES /usr/share/doc/${package}/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences RENAME ${package}
+    COMPONENT runtime OPTIONAL)
+endforeach()
