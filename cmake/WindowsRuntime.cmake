@@ -11,4 +11,9 @@ endforeach()
 find_package(Gcrypt REQUIRED)
 list(APPEND yon_runtime_dlls ${Gcrypt_RUNTIME_DLLS})
 file(COPY ${yon_runtime_dlls} DESTINATION ${PROJECT_BINARY_DIR}/bin)
-install(FILES ${yon_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES ${yon_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+# The licences of what stands beside the library, or within it.
+foreach(package gcc-mingw-w64-base mingw-w64-i686-dev libace-dev)
+  install(FILES /usr/share/doc/${package}/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences RENAME ${package}
+    COMPONENT runtime OPTIONAL)
+endforeach()
