@@ -1,4 +1,5 @@
-# The compiler's run-time DLLs and those of libgcrypt: copied beside the programs in the build tree, and installed with the library.
+# The compiler's run-time DLLs and those of libgcrypt: copied beside the programs in the build tree, and installed
+# with the library.
 set(yon_runtime_dlls)
 foreach(dll libgcc_s_dw2-1.dll libstdc++-6.dll libwinpthread-1.dll)
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll} OUTPUT_VARIABLE path
@@ -13,7 +14,8 @@ list(APPEND yon_runtime_dlls ${Gcrypt_RUNTIME_DLLS})
 file(COPY ${yon_runtime_dlls} DESTINATION ${PROJECT_BINARY_DIR}/bin)
 install(FILES ${yon_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
 # The licences of what stands beside the library, or within it.
-foreach(package gcc-mingw-w64-base mingw-w64-i686-dev libace-dev)
+foreach(package gcc-mingw-w64-base mingw-w64-i686-dev libace-dev libgcrypt-mingw-w64-dev
+    libgpg-error-mingw-w64-dev)
   install(FILES /usr/share/doc/${package}/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences RENAME ${package}
     COMPONENT runtime OPTIONAL)
 endforeach()
