@@ -1,4 +1,6 @@
 // A tour of the test framework: a whole test program. docs/application.md quotes it.
+#include <sstream>
+
 #include "yon/yon.h"
 
 namespace {
@@ -16,9 +18,14 @@ YON_TEST_CASE("text/slug", keeps_the_rest) {
 }
 
 YON_TEST_CASE("numbers", refuses_what_is_no_number) {
-    yon::Bytes bytes("7");
-    YON_REQUIRE(bytes.size() == 1);
-    YON_CHECK_THROWS(yon::OutOfRangeException, bytes.at(1));
+    int limit = 7;
+    yon::CmdOptions options("numbers");
+    options.option("limit", limit, "N", "a number");
+    char program[] = "numbers", argument[] = "--limit=many";
+    char * words[] = {program, argument};
+    std::ostringstream help;
+    YON_CHECK_THROWS(yon::ArgumentException, options.parse(yon::CmdLine(2, words), help));
+    YON_CHECK_EQ(limit, 7);
 }
 
 }  // namespace

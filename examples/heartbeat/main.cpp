@@ -2,8 +2,8 @@
 //
 //     heartbeat [--seconds N] [--summary]
 //
-// Settings come from the file that ZUV_CLI_CFG_FILE names, or p2p_config.pml. Exit status: 0 after an orderly end, 1 for
-// settings or a port that cannot be used, 2 for wrong options.
+// Settings come from the file that ZUV_CLI_CFG_FILE names, or p2p_config.pml. Exit status: 0 after an orderly end, 1
+// for settings or a port that cannot be used, 2 for wrong options.
 #include <iostream>
 
 #include "service.h"

@@ -8,8 +8,7 @@ namespace heartbeat {
 
 namespace {
 
-constexpr char tableHead[] =
-    "node     peer     state     sent answered     lost    min ms   mean ms    max ms";
+constexpr char tableHead[] = "node     peer     state     sent answered     lost    min ms   mean ms    max ms";
 
 /// When the file was changed, as a number to compare; 0 when it is not there.
 yon::longlong changed(yon::String const & file) {
@@ -35,15 +34,24 @@ private:
 
 }  // namespace
 
-struct Service::Parts {
-    Parts(Service & service, Settings const & s)
-        : settings(s),
-          socket(s.listen),
-          peers(service.log_),
-          sender(YON_NEW(Sender)(&service, socket, peers, service.log_, s.id)),
-          receiver(YON_NEW(Receiver)(&service, socket, peers, service.log_, s.id)),
-          report(&service, &Service::writeState) {}
+/// Owns the threads: they tell it when they end by themselves, which they should not.
+struct Service::Parts : yon::ThreadOwner {
+    Parts(Service & s, Settings const & all)
+        : service(s),
+          settings(all),
+          socket(all.listen),
+          peers(s.log_),
+          sender(YON_NEW(Sender)(this, socket, peers, s.log_, all.id)),
+          receiver(YON_NEW(Receiver)(this, socket, peers, s.log_, all.id)),
+          report(&s, &Service::writeState) {}
 
+    void onThreadExit(yon::Thread * thread) override {
+        yon::String const name = static_cast<yon::SimpleThread *>(thread)->name();
+        YON_LOG_ERROR(service.log_, "thread " << name << " has ended by itself");
+        service.stop(1);
+    }
+
+    Service & service;
     Settings settings;
     Socket socket;
     Peers peers;
@@ -153,11 +161,6 @@ void Service::writeState(void *) {
 void Service::printPeers() const {
     yon::console::println(tableHead);
     for (auto const & peer : parts_->peers.all()) yon::console::println(peer->summary(parts_->settings.id));
-}
-
-void Service::onThreadExit(yon::Thread * thread) {
-    YON_LOG_ERROR(log_, "a thread has ended by itself: " << static_cast<yon::SimpleThread *>(thread)->name());
-    stop(1);
 }
 
 }  // namespace heartbeat

@@ -8,7 +8,7 @@
 namespace heartbeat {
 
 /// The program as a unit of work. `on_init` starts everything, `on_loop` polls the prompt, `on_fini` stops it all.
-class Service : public yon::UowMain, private yon::ThreadOwner {
+class Service : public yon::UowMain {
 public:
     Service(int argc, char ** argv);
     ~Service() override;
@@ -29,7 +29,6 @@ private:
     void reloadWhenChanged();
     void writeState(void *);
     void printPeers() const;
-    void onThreadExit(yon::Thread * thread) override;
 
     yon::logger & log_;
     yon::longlong seconds_ = 0;  ///< how long to run, 0 for ever

@@ -21,11 +21,13 @@ Settings Settings::load(yon::ConfigFile & file) {
     stream timers(all["timers"]);
     timers & field("heartbeat", settings.interval) & field("timeout", settings.timeout) &
         field("report", settings.report);
-    for (yon::pml::Unit const & child : all["peers"]) {
-        stream peer(child);
-        PeerSettings & p = settings.peers.emplace_back();
-        peer & field("id", p.id);
-        codec(peer["address"], p.address);
+    if (auto const * const peers = all["peers"].listValue()) {
+        for (yon::pml::Unit const * child : *peers) {
+            stream peer(*child);
+            PeerSettings & p = settings.peers.emplace_back();
+            peer & field("id", p.id);
+            codec(peer["address"], p.address);
+        }
     }
     if (settings.listen.port == 0) {
         YON_THROW(yon::InvalidDataException, file.filename() + ": node/listen/port is missing");
