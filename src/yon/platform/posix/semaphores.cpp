@@ -13,7 +13,7 @@ using Word = std::atomic_ref<ulonglong>;
 constexpr ulonglong oneWaiter = 1ull << 32;
 constexpr ulonglong invalid = 1ull << 31;  ///< a count that cannot be
 
-constexpr int spins = 10;
+constexpr int spins = 10;  ///< a count rarely comes within the time that a change of threads takes
 
 ulonglong countOf(ulonglong state) noexcept { return state % oneWaiter; }
 
