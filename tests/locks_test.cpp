@@ -182,6 +182,13 @@ TEST(Cond, WakesWhomItShould) {
                                         [&] { cond.timedWait(lock, shortly); });
 }
 
+TEST(Cond, ReleasesStaticMutexesAltogether) {
+    Cond cond;
+    Lock const lock(staticMutex), again(staticMutex);
+    Threads const threads(1, [&](int) { Lock(staticMutex), cond.signal(); });
+    cond.wait(again);
+}
+
 /// As many takers as givers over a small stock, with and without limits that run out all the time: nothing is lost,
 /// nobody is left over.
 TEST(Cond, LosesNoWakeUp) {
