@@ -185,7 +185,10 @@ TEST(Cond, WakesWhomItShould) {
 TEST(Cond, ReleasesStaticMutexesAltogether) {
     Cond cond;
     Lock const lock(staticMutex), again(staticMutex);
-    Threads const threads(1, [&](int) { Lock(staticMutex), cond.signal(); });
+    Threads const threads(1, [&](int) {
+        Lock const own(staticMutex);
+        cond.signal();
+    });
     cond.wait(again);
 }
 

@@ -31,7 +31,7 @@ public:
     void wait(Guard const & guard) {
         if (!guard.acquired()) raiseLocked(90, "yon::Cond::wait");
         Group & group = preWait();
-        Released const released(guard.mutex());
+        Released<std::remove_cvref_t<decltype(guard.mutex())>> const released(guard.mutex());
         dowait(group);
     }
     /// The same for a limited time, by the monotonic clock and rounded up to the next millisecond. False: it has
@@ -40,45 +40,26 @@ public:
     bool timedWait(Guard const & guard, Time const & time) {
         if (!guard.acquired()) raiseLocked(107, "yon::Cond::timedWait");
         Group & group = preWait();
-        Released const released(guard.mutex());
+        Released<std::remove_cvref_t<decltype(guard.mutex())>> const released(guard.mutex());
         return timedDowait(group, time);
     }
 
 private:
+    /// Releases a lock, and takes it again at the end.
     template <class M>
-    struct StateOf {
-        struct type {};
+    struct Released {
+        explicit Released(M const & m) : mutex(m) { m.unlock(); }
+        ~Released() { mutex.lock(); }
+        M const & mutex;
     };
+    /// The same for one that may be held several times.
     template <class M>
     requires requires { typename M::LockState; }
-    struct StateOf<M> {
-        using type = typename M::LockState;
-    };
-
-    /// Releases a lock as often as it is held, and takes it again at the end.
-    template <class M>
-    class Released {
-        static constexpr bool counts = requires { typename M::LockState; };
-
-    public:
-        explicit Released(M const & mutex) : mutex_(mutex) {
-            if constexpr (counts) {
-                mutex.unlock(state_);
-            } else {
-                mutex.unlock();
-            }
-        }
-        ~Released() {
-            if constexpr (counts) {
-                mutex_.lock(state_);
-            } else {
-                mutex_.lock();
-            }
-        }
-
-    private:
-        M const & mutex_;
-        typename StateOf<M>::type state_;
+    struct Released<M> {
+        explicit Released(M const & m) : mutex(m) { m.unlock(state); }
+        ~Released() { mutex.lock(state); }
+        M const & mutex;
+        typename M::LockState state;
     };
 
     [[noreturn]] static void raiseLocked(unsigned int line, char const * function);
