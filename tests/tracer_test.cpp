@@ -25,6 +25,28 @@ logger & log() {
     return l;
 }
 
+/// Uses everything before main, and again when all is over; a fault there makes the program fail.
+struct EarlyAndLate {
+    EarlyAndLate() { use(); }
+    ~EarlyAndLate() { use(); }
+    void use() {
+        Lines lines(logger_factory::yon());
+        YON_TRACE_INFO(log(), "depth");
+        try {
+            YON_THROW(EmptyDataException, "at an odd time");
+        } catch (EmptyDataException const &) {
+        }
+        text = lines.take();
+        tracer::instance()->destroy_current_stack();
+    }
+    std::string text;
+} const earlyAndLate;
+
+TEST(Tracer, ServesBeforeMain) {
+    EXPECT_NE(earlyAndLate.text.find("at an odd time"), std::string::npos);
+    EXPECT_NE(earlyAndLate.text.find("CALL STACK: yon::EarlyAndLate::use("), std::string::npos) << earlyAndLate.text;
+}
+
 std::string stackText() {
     std::ostringstream os;
     printTraceStack(os);
@@ -32,7 +54,7 @@ std::string stackText() {
 }
 
 std::string line(char const * mark, std::string const & call, char fill) {
-    return ruled(fill, Lines::prefix() + "[TT] " + mark + call + " ", "");
+    return ruled(fill, Lines::prefix() + "[TT] " + mark + call, "");
 }
 
 /// The threads that a crash handler would see, with the functions of each.
@@ -78,10 +100,11 @@ TEST(Tracer, TheStackIsOneHoweverItIsReached) {
             std::ostringstream os;
             if (depth == 65) t.dump(os), diagnostics::leave({"f.cpp", 65, "port"});
             EXPECT_EQ(os.str().substr(0, 30), depth == 65 ? "port(f.cpp:65)\neven(f.cpp:64)\n" : "");
-            if (shared) EXPECT_EQ(t.container().size(), static_cast<std::size_t>(depth));
+            EXPECT_EQ(shared ? t.container().size() : static_cast<std::size_t>(depth),
+                      static_cast<std::size_t>(depth));
             for (int i = depth; i-- > 0;) {
                 std::string const top = (i % 2 == 0 ? "even(f.cpp:" : "odd(f.cpp:") + std::to_string(i) + ")";
-                if (i % 16 == 0) EXPECT_EQ(stackText().substr(0, top.size()), top);
+                EXPECT_EQ(i % 16 == 0 ? stackText().substr(0, top.size()) : top, top);
                 t.pop();
             }
         }
@@ -137,7 +160,7 @@ TEST(Tracer, ThreadsLeaveNothingBehind) {
     Handle<Traced> const thread = YON_NEW(Traced)(step);
     thread->start(0);
     while (step != 1) ThreadControl::yield();
-    EXPECT_EQ(mirrored(thread->id()), "traced-thread-with-quite-a-long:1,deep");
+    EXPECT_EQ(mirrored(thread->id()), "traced-thread-with-quite-a-long:2,yon::SimpleThread::run_i,deep");
     EXPECT_EQ(count(), before + 1);
     ThreadId const id = thread->id();
     step = 2;
@@ -163,6 +186,15 @@ TEST(Tracer, ThreadsLeaveNothingBehind) {
     EXPECT_EQ(count(), before);
 }
 
+TEST(Header, DateTimeIsThatOfTheMoment) {
+    DateTimeText text;
+    longlong us = 1'000'000'000'998'000;
+    for (int i = 0; i < 3000; ++i, us += i % 7 * 997 - 500) {
+        EXPECT_EQ(text.at(Time(us)), istr(Time(us).toDateTime()));
+    }
+    EXPECT_EQ(text.at(Time(-1)), istr(Time(-1).toDateTime()));
+}
+
 TEST(Tracer, ThePortWritesToYon) {
     logger & yon = logger_factory::yon();
     Lines lines(yon);
@@ -171,7 +203,7 @@ TEST(Tracer, ThePortWritesToYon) {
     diagnostics::leave({"f.cpp", 1, "app::f"});
     yon.traceOn(false);
     std::string const head = Lines::prefix() + "[YON] TRACE";
-    EXPECT_EQ(lines.take(), ruled('.', head + " app::f()  ", "") + ruled('_', head + "~app::f()  ", ""));
+    EXPECT_EQ(lines.take(), ruled('.', head + " app::f() ", "") + ruled('_', head + "~app::f() ", ""));
 }
 
 }  // namespace

@@ -35,6 +35,8 @@ public:
     /// Removes it from the map.
     void remove() noexcept;
 
+    TraceMirror & mirror() noexcept { return mirror_; }
+
     /// The stack of the calling thread with all calls, also without memory for the rest of this.
     static CallStack & currentStack();
     /// Deletes the stacks of all threads.
@@ -51,6 +53,8 @@ private:
     unsigned generation_ = 0;
     unsigned extra_ = 0;
     bool shared_ = false;
+    /// How often to look for a name yet: a thread is traced before its name is known, and most have none.
+    int nameTries_ = 4;
 };
 
 }  // namespace yon

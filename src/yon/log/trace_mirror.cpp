@@ -20,7 +20,7 @@ TraceMirror * TraceMirror::claim() noexcept {
         while (!first_.compare_exchange_weak(m->next_, m, std::memory_order_release, std::memory_order_relaxed)) {
         }
     }
-    m->takeName();
+    m->name_[0] = '\0';
     m->threadId_.store(ThreadId::current(), std::memory_order_release);
     return m;
 }
@@ -31,11 +31,20 @@ void TraceMirror::release() noexcept {
     taken_.store(false, std::memory_order_release);
 }
 
-void TraceMirror::takeName() noexcept {
+void TraceMirror::keepOnly(TraceMirror * mine) noexcept {
+    for (TraceMirror * m = first_.load(std::memory_order_acquire); m != nullptr; m = m->next_) {
+        if (m != mine) m->release();
+    }
+    if (mine != nullptr) mine->threadId_.store(ThreadId::current(), std::memory_order_release);
+}
+
+bool TraceMirror::takeName() noexcept {
     SimpleThread const * const thread = SimpleThread::current().thread_;
-    istr const name = thread != nullptr ? istr(thread->name()) : istr();
+    if (thread == nullptr) return false;
+    istr const name = thread->name();
     ulong const n = std::min<ulong>(name.size(), sizeof name_ - 1);
     std::fill(std::copy_n(name.data(), n, name_), std::end(name_), '\0');
+    return true;
 }
 
 }  // namespace yon

@@ -18,6 +18,10 @@ public:
     static TraceMirror * claim() noexcept;
     /// The thread ends.
     void release() noexcept;
+    /// In a child process, where the calling thread is the only one: frees all others, and gives this one its new id.
+    static void keepOnly(TraceMirror * mine) noexcept;
+    /// Notes the name of the calling thread, which a library thread has once it runs. Returns whether it has one.
+    bool takeName() noexcept;
 
     void put(unsigned i, diagnostics::Location const & where) noexcept {
         entries_[i].file.store(where.file, relaxed);
@@ -52,8 +56,6 @@ private:
         std::atomic<char const *> func{nullptr};
     };
     static constexpr auto relaxed = std::memory_order_relaxed;
-
-    void takeName() noexcept;
 
     static constinit std::atomic<TraceMirror *> first_;
 
