@@ -130,7 +130,7 @@ int main() {
     for (char const * const part :
          {"[mail] open with 2 workers\n", "THROWING\n", "CAUSE: yon::EmptyDataException: a message without text\n",
           "CALL STACK: sizeOf(examples/logging_tour.cpp:", "EXCEPTION\n", "CONDITION: size < 20\n",
-          "WILL DO: it is cut\n", "uncaught exception:what is this?", "[mail][<WARNING>] ",
+          "WILL DO: it is cut\n", "uncaught exception:std::exception: what is this?", "[mail][<WARNING>] ",
           "closed(delivered(2)reason('end of (working) day'))\n"}) {
         ok = holds(log, part) && ok;
     }
