@@ -31,6 +31,13 @@ void TraceMirror::release() noexcept {
     taken_.store(false, std::memory_order_release);
 }
 
+void TraceMirror::keepOnly(TraceMirror * mine) noexcept {
+    for (TraceMirror * m = first_.load(std::memory_order_acquire); m != nullptr; m = m->next_) {
+        if (m != mine) m->release();
+    }
+    if (mine != nullptr) mine->threadId_.store(ThreadId::current(), std::memory_order_release);
+}
+
 bool TraceMirror::takeName() noexcept {
     SimpleThread const * const thread = SimpleThread::current().thread_;
     if (thread == nullptr) return false;

@@ -18,6 +18,8 @@ public:
     static TraceMirror * claim() noexcept;
     /// The thread ends.
     void release() noexcept;
+    /// In a child process, where the calling thread is the only one: frees all others, and gives this one its new id.
+    static void keepOnly(TraceMirror * mine) noexcept;
     /// Notes the name of the calling thread, which a library thread has once it runs. Returns whether it has one.
     bool takeName() noexcept;
 
