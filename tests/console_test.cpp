@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <thread>
 
 #include "file_testing.h"
@@ -95,10 +96,7 @@ int blocked() {
     std::fputs(Clock::now() - start < std::chrono::seconds(2) ? "free" : "held up", stderr);
     std::_Exit(0);
 }
-int idle() {
-    yon::sleep(3000);
-    return 0;
-}
+int idle() { return yon::sleep(3000), 0; }
 
 /// More than 1 MiB is written out by the thread that prints.
 int flood() {
@@ -106,17 +104,9 @@ int flood() {
     return 0;
 }
 
-int play(std::string const & role) {
-    struct {
-        char const * name;
-        int (*run)();
-    } const roles[] = {{"shell", shell}, {"typist", typist},   {"prompts", prompts}, {"leave", leave},
-                       {"timed", timed}, {"blocked", blocked}, {"idle", idle},       {"flood", flood}};
-    for (auto const & r : roles) {
-        if (role == r.name) return r.run();
-    }
-    return 99;
-}
+std::map<std::string, int (*)()> const roles{{"shell", shell}, {"typist", typist}, {"prompts", prompts},
+                                             {"leave", leave}, {"timed", timed},   {"blocked", blocked},
+                                             {"idle", idle},   {"flood", flood}};
 
 // --- the tests ---
 
@@ -160,7 +150,7 @@ TEST_F(Console, ABlockedTerminalHoldsUpNobody) {
 
 int main(int argc, char ** argv) {
     testing::InitGoogleTest(&argc, argv);
-    if (argc > 1) return play(argv[1]);
+    if (argc > 1) return roles.at(argv[1])();
     // No blanks and no drive, so that no shell needs quotes.
     namespace fs = std::filesystem;
     program = fs::relative(fs::absolute(argv[0])).make_preferred().string();
