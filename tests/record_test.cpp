@@ -88,22 +88,6 @@ TEST(Record, FramesWithLocationAndCallStack) {
     EXPECT_EQ(tracer::instance()->separator(), "\n            ");
 }
 
-struct Named : SimpleThread {
-    Named() : SimpleThread(nullptr, "worker") {}
-    void run() override {
-        writeInfoLog(log(), "", 0, "", "text", "TAG");
-        expected = head() + "[TAG]{worker} text\n";
-    }
-    std::string expected;
-};
-
-TEST(Record, NamesLibraryThreads) {
-    Lines lines(log());
-    Handle<Named> const thread = YON_NEW(Named)();
-    thread->start(0).join();
-    EXPECT_EQ(lines.take(), thread->expected);
-}
-
 /// Logs, throws and catches while a record is handed over.
 struct Nested : LoggerCallback {
     void onLog(istr line) override {

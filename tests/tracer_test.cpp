@@ -126,10 +126,13 @@ struct Traced : SimpleThread {
     void run() override {
         TraceEntry const entry(log(), "f.cpp", 2, "deep", TraceEntry::both, nullptr);
         tracer::instance()->container();
+        writeInfoLog(log(), "", 0, "", "text", "TAG");
+        record = Lines::prefix() + "[TT][TAG]{" + name() + "} text\n";
         step_ = 1;
         while (step_ != 2) ThreadControl::yield();
     }
     std::atomic<int> & step_;
+    std::string record;
 };
 
 TEST(Tracer, ThreadsLeaveNothingBehind) {
@@ -139,17 +142,18 @@ TEST(Tracer, ThreadsLeaveNothingBehind) {
         return stacks.size();
     };
     std::size_t const before = count();
+    Lines lines(log());
     std::atomic<int> step{0};
     Handle<Traced> const thread = YON_NEW(Traced)(step);
     ThreadId const id = thread->start(0).id();
     while (step != 1) ThreadControl::yield();
     EXPECT_EQ(mirrored(id), "thread-with-quite-a-long-name-o:2,yon::SimpleThread::run_i,deep");
+    EXPECT_EQ(lines.take(), thread->record);
     EXPECT_EQ(count(), before + 1);
     step = 2;
     thread->stop();
     EXPECT_EQ(mirrored(id), "");
 
-    Lines lines(log());
     std::atomic<int> wrong{0};
     std::vector<std::thread> threads;
     for (unsigned t = 0; t < 4; ++t) {
