@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iostream>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -55,7 +56,7 @@ private:
         if (messages_.empty()) return false;
         yon::String const message = messages_.front();
         messages_.erase(messages_.begin());
-        if (message == "?") throw message;
+        if (message == "?") throw std::runtime_error("what is this?");
         try {
             deliver(message);
         } catch (yon::ExceptionBase const & e) {
@@ -69,8 +70,9 @@ private:
 
 void work() {
     YON_LOG_INFO(mail(), "open with " << 2 << " workers");
-    yon::Handle<Worker> const first = YON_NEW(Worker)("first", {"hello", ""});
-    yon::Handle<Worker> const second = YON_NEW(Worker)("second", {"more than twenty letters", "?"});
+    using Messages = std::vector<yon::String>;
+    yon::Handle<Worker> const first = YON_NEW(Worker)("first", Messages{"hello", ""});
+    yon::Handle<Worker> const second = YON_NEW(Worker)("second", Messages{"more than twenty letters", "?"});
     for (Worker * const worker : {first.get(), second.get()}) worker->start();
     while (first->getThreadControl().isAlive() || second->getThreadControl().isAlive()) yon::sleep(1);
     YON_LOG_WARNING(mail(), "closing, " << 2 << " messages were not delivered");
@@ -128,8 +130,8 @@ int main() {
     for (char const * const part :
          {"[mail] open with 2 workers\n", "THROWING\n", "CAUSE: yon::EmptyDataException: a message without text\n",
           "CALL STACK: sizeOf(examples/logging_tour.cpp:", "EXCEPTION\n", "CONDITION: size < 20\n",
-          "WILL DO: it is cut\n", "uncaught exception", "[mail][<WARNING>] ",
-          "closed(delivered(2) reason('end of (working) day'))\n"}) {
+          "WILL DO: it is cut\n", "uncaught exception:std::exception: what is this?", "[mail][<WARNING>] ",
+          "closed(delivered(2)reason('end of (working) day'))\n"}) {
         ok = holds(log, part) && ok;
     }
     ok = holds(contentOf("missing/tour.log"), "[mail] all is well again\n") && ok;

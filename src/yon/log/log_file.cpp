@@ -59,7 +59,7 @@ LogFile::Level LogFile::add(istr line, Limits const & limits) noexcept try {
     PatientGuard const guard(cacheLock_);
     if (!guard.owns()) throw std::bad_alloc();
     front_.append(line);
-    appended_.fetch_add(1, std::memory_order_release);
+    appended_.store(appended_.load(std::memory_order_relaxed) + 1, std::memory_order_release);
     bool full = front_.lines() >= limits.lines;
     if (!full) {
         running_ += line.size();
