@@ -111,11 +111,20 @@ void writeException(CrashWriter & out) noexcept {
 
 enum class Origin { system, terminate };
 
+/// Signals are known by small numbers, exceptions of Windows by hexadecimal ones.
+void writeCode(CrashWriter & out, unsigned code) noexcept {
+    if (code < 0x100) {
+        out.number("code", code);
+    } else {
+        out.hex("code", code);
+    }
+}
+
 void writeReport(platform::CrashCause const & cause, Origin origin, unsigned thread) noexcept {
     CrashWriter out([](char const * data, std::size_t size) noexcept { platform::writeCrashFile(data, size); });
     out.open("crash");
     out.text("reason", cause.name);
-    if (origin == Origin::system) out.hex("code", cause.code);
+    if (origin == Origin::system) writeCode(out, cause.code);
     if (cause.located) out.hex("address", cause.address);
     out.time("time", platform::wallMicroseconds());
     out.text("version", YON_VERSION_TEXT);
