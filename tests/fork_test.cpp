@@ -9,9 +9,11 @@
 #include <thread>
 
 #include "file_testing.h"
+#include "yon/base/throw.h"
 #include "yon/log/crash_report.h"
 #include "yon/log/logger_factory.h"
 #include "yon/log/macros.h"
+#include "yon/mt/simple_thread.h"
 #include "yon/pml/file.h"
 #include "yon/pml/pml_parser.h"
 
@@ -39,7 +41,7 @@ void useEverything() {
     YON_DELETE(YON_NEW(double)());
     MemLeakChecker::count();
     pml::Unit tree;
-    for (ulong i = 0; i < 1000; ++i) tree.add("x", "1");
+    for (ulong i = 0; i < 1000; ++i) tree.addChild("", "1");
     logger_factory::instance("fork.busy").write("busy\n");
     try {
         YON_THROW(OutOfRangeException);
