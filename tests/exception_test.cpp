@@ -171,6 +171,8 @@ TEST(Exception, PrintsMessagePlaceAndCalls) {
 }
 
 TEST(Exception, IsKeptAndRaisedAgainAsItself) {
+    // The first throw brings up the log.
+    EXPECT_THROW(YON_THROW(CodeException, 1), CodeException);
     MemLeakChecker::enable(true);
     std::size_t const before = MemLeakChecker::count();
     Exception * kept = nullptr;

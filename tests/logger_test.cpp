@@ -300,8 +300,9 @@ TEST_F(Logger, NamesInUtf8) {
 
 TEST_F(Logger, ReadsItsConfiguration) {
     std::string const config = file("p2p.pml");
-    writeFile(config, "\xEF\xBB\xBFp2p(log(debugOn(1) maxNumofMsg(50) appLogs(a(1) b(0)) loggers(loud(traceOn(1) "
-                      "maxNumofMsg(5)) mute(enable(0) debugLogOn(1)) YON(debugOn(0)))))");
+    writeFile(config,
+              "\xEF\xBB\xBFp2p(log(debugOn(1) maxNumofMsg(50) appLogs(a(1) b(0)) loggers(loud(traceOn(1) "
+              "maxNumofMsg(5)) mute(enable(0) debugLogOn(1)) YON(debugOn(0)))))");
     logger & loud = yon::logger_factory::instance("loud");
     logger & mute = yon::logger_factory::instance("mute");
     EXPECT_EQ(&loud, &yon::logger_factory::instance("loud"));
@@ -345,7 +346,8 @@ TEST_F(Logger, WritesStartLines) {
     yon.flush();
     EXPECT_EQ(contentOf(file("yon.log")), listener.heard);
     std::string const rule(77, '=');
-    std::string const end = rule + "\nyon version 1.5.8-01 2009-09-04...09-14\nyon compiled at Sep 16 2009 09:30:20\n";
+    std::string const end =
+        rule + "\nyon version 1.5.8-01 2009-09-04...09-14\nyon compiled at Sep 16 2009 09:30:20\n";
     std::string const first = rule + "\nlog file is " + file("a.log") + '\n' + end;
     std::string const expected =
         first + first + rule + "\nlog file " + file("a.log") + " changed to " + file("b.log") + '\n' + end;
@@ -442,8 +444,8 @@ TEST_F(Logger, ReloadsWhileThreadsLog) {
     writers.run([&](std::string const & line) { log.writeAndPrint(line + '\n'); },
                 [&] {
                     std::string const number = std::to_string(++n % 3);
-                    writeFile(config, "x(log(filename('" + file("a.log") + "') maxNumofMsg(" + number +
-                                          ") traceOn(" + number + ") msgLogs(a(1) b(" + number + "))))");
+                    writeFile(config, "x(log(filename('" + file("a.log") + "') maxNumofMsg(" + number + ") traceOn(" +
+                                          number + ") msgLogs(a(1) b(" + number + "))))");
                     log.reload(config);
                     log.msgOn("b");
                     dumpOf(log);

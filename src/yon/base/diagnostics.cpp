@@ -2,11 +2,13 @@
 
 #include <atomic>
 
+#include "yon/base/default_sink.h"
+
 namespace yon::diagnostics {
 
 namespace {
 
-constinit std::atomic<Sink *> sink{nullptr};
+constinit std::atomic<Sink *> sink{&defaultSink};
 constinit thread_local bool reporting = false;
 
 /// Calls the sink, unless there is none or this thread is within a call of it.

@@ -93,7 +93,7 @@ void writeTraceLine(logger & log, TraceEvent event, istr func, istr info, unsign
         char const fill = isEntry ? '.' : '_';
         RecordBuffer header;
         appendHeaderPrefix(header.text());
-        header.text().append('[').append(log.id()).append(']').append('\0');
+        header.text().append('[').append(log.idText()).append(']').append('\0');
 
         std::string call = isEntry ? "TRACE " : "TRACE~";
         TraceEntry::indentString(call, depth, fill);

@@ -99,7 +99,7 @@ void appendHeaderPrefix(StringBuffer & out) { appendIdentity(out, SimpleThread::
 void appendHeader(StringBuffer & out, logger const & log, istr tag, EmptyTag emptyTag) {
     ThreadInfo const & thread = SimpleThread::current();
     appendIdentity(out, thread);
-    out.append('[').append(log.id()).append(']');
+    out.append('[').append(log.idText()).append(']');
     if (!tag.empty() || emptyTag == EmptyTag::shown) out.append('[').append(tag).append(']');
     if (thread.thread_ != nullptr) out.append('{').append(thread.thread_->name()).append('}');
 }

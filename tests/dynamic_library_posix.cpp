@@ -1,0 +1,19 @@
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "dynamic_library.h"
+
+DynamicLibrary::DynamicLibrary(char const * file) : handle_(::dlopen(file, RTLD_NOW)) {
+    if (handle_ != nullptr) return;
+    std::puts(::dlerror());
+    std::exit(1);
+}
+DynamicLibrary::~DynamicLibrary() { ::dlclose(handle_); }
+void * DynamicLibrary::function(char const * name) const { return ::dlsym(handle_, name); }
+bool DynamicLibrary::isLoaded(char const * file) {
+    void * const handle = ::dlopen(file, RTLD_NOW | RTLD_NOLOAD);
+    if (handle != nullptr) ::dlclose(handle);
+    return handle != nullptr;
+}
