@@ -13,9 +13,11 @@
 #include "yon/mt/noncopyable.h"
 #include "yon/mt/owned_thread.h"
 #include "yon/timer/timerQueue.h"
-#include "yon/util/singleton_T.h"
 
 namespace yon {
+
+template <class T>
+class Singleton_T;
 
 /// Up to 300 timers at once, set, reset and killed from any thread, callbacks included. A thread checks every 50 ms
 /// what has expired, another one runs the callbacks. Intervals count from the last check, so the first shot comes up

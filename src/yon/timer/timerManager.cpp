@@ -7,6 +7,7 @@
 #include "yon/base/trace_scope.h"
 #include "yon/log/dumper.h"
 #include "yon/timer/service_timer.h"
+#include "yon/util/singleton_T.h"
 
 namespace yon {
 

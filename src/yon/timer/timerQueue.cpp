@@ -204,7 +204,7 @@ void TimerQueue::onTimer(TimerSlot & slot, TimerRecords & records) {
     }
 }
 
-void TimerQueue::onTimerEnd(TimerId id) {
+void TimerQueue::onTimerEnd(TimerId id) try {
     constexpr char const * function = "yon::TimerQueue::onTimerEnd";
     TimerRecords records(*callbacks_, traceCategory);
     Lock const lock(monitor_);
@@ -218,6 +218,8 @@ void TimerQueue::onTimerEnd(TimerId id) {
     if (--slot->unfinished != 0 || slot->m_status != TimerStatus::paused) return;
     records.debug(326, function, "release ", block(*slot));
     release(*slot, records);
+} catch (std::bad_alloc const &) {
+    // No room for the event: the timer stays paused and can be killed.
 }
 
 void TimerQueue::waitForCheck() {
@@ -237,7 +239,11 @@ void TimerQueue::stop() {
         Lock const lock(monitor_);
         if (!running_) return;
         running_ = false;
-        while (table_->used() != 0) release(table_->last(), records);
+        try {
+            while (table_->used() != 0) release(table_->last(), records);
+        } catch (std::bad_alloc const &) {
+            // No room for the events: the others go without a word.
+        }
     }
     callbacks_->stop();
 }
