@@ -1,0 +1,151 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <set>
+#include <sstream>
+#include <thread>
+#include <vector>
+
+#include "yon/base/leak_checker.h"
+#include "yon/base/located_new.h"
+#include "yon/mt/handle.h"
+#include "yon/mt/handle_wrapper.h"
+#include "yon/mt/map.h"
+#include "yon/mt/set.h"
+#include "yon/mt/thread_id.h"
+#include "yon/util/singleton_T.h"
+
+namespace yon {
+
+/// A name that the library has, too: only its text counts here.
+class TimeoutThread : public Shared {};
+
+namespace {
+
+std::atomic<int> live{0};
+
+template <class Base>
+struct Counted : Base {
+    Counted() { ++live; }
+    Counted(Counted const & other) : Base(other) { ++live; }
+    Counted & operator=(Counted const &) = default;
+    ~Counted() override {
+        Handle<Counted> const again(this);  // must not delete twice
+        --live;
+    }
+};
+template <class Base>
+struct Derived : Counted<Base> {};
+
+template <class Base>
+struct Ownership : testing::Test {};
+using Bases = testing::Types<SimpleShared, Shared>;
+TYPED_TEST_SUITE(Ownership, Bases);
+
+TYPED_TEST(Ownership, FollowsTheHandles) {
+    using Object = Counted<TypeParam>;
+    MemLeakChecker::enable(true);
+    std::size_t const registered = MemLeakChecker::count();
+    {
+        Handle<Derived<TypeParam>> const derived(YON_NEW(Derived<TypeParam>)());
+        Handle<Object> a(derived), b, moved(std::move(a));
+        EXPECT_EQ(moved->__getRef(), 2);
+        b = moved;
+        swap(a, b);
+        a = *&a;
+        EXPECT_TRUE(a == moved && a == derived && a && !b && b == nullptr && b < a && a.get() == &*moved);
+        EXPECT_EQ(a->__getRef(), 3);
+        Object copy(*a), other;
+        EXPECT_EQ(copy.__getRef(), 0);
+        copy = *a;
+        *a = other;
+        EXPECT_EQ(copy.__getRef() + 10 * a->__getRef(), 30);
+        EXPECT_EQ(MemLeakChecker::count(), registered + 1);
+        copy.__setNoDelete(true);
+        other.__setNoDelete(true);
+        Handle<Object>{ & copy} = nullptr;
+        EXPECT_EQ(live, 3);
+    }
+    EXPECT_EQ(live, 0);
+    EXPECT_EQ(MemLeakChecker::count(), registered);
+    MemLeakChecker::enable(false);
+}
+
+TEST(OwnershipStress, HandlesAreCopiedAcrossThreads) {
+    Handle<Counted<Shared>> const shared(new Counted<Shared>);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([mine = shared] {
+            for (int n = 0; n < 20000; ++n) {
+                Handle<Counted<Shared>> copy(mine), other(copy);
+                other = std::move(copy);
+            }
+        });
+    }
+    for (auto & t : threads) t.join();
+    threads.clear();
+    EXPECT_EQ(shared->__getRef(), 1);
+}
+
+template <class T>
+void expectNull(char const * function) {
+    try {
+        (void)Handle<T>()->__getRef();
+        ADD_FAILURE() << function;
+    } catch (NullHandleException const & e) {
+        EXPECT_STREQ(e.file(), "include/yon/mt/handle");
+        EXPECT_EQ(e.line(), 38u);
+        EXPECT_STREQ(e.func(), function);
+    }
+}
+
+TEST(Handle, TellsWhichOneIsEmpty) {
+    expectNull<HandleWrapper>("yon::HandleBase<struct yon::HandleWrapper>::operator`->'");
+    expectNull<TimeoutThread>("yon::HandleBase<class yon::TimeoutThread>::operator`->'");
+    EXPECT_THROW(*Handle<TimeoutThread>(), NullHandleException);
+    HandleWrapper(this, false);  // an address that nobody may close
+}
+
+struct Single {
+    Single() {
+        if (++made == 1) throw std::bad_alloc();
+        std::this_thread::yield();
+    }
+    static inline std::atomic<int> made{0};
+};
+
+TEST(Singleton, IsMadeOnceHoweverManyCome) {
+    auto const instance = [] { return Singleton_T<Single>::instance("file", 7, "function"); };
+    EXPECT_THROW(instance(), std::bad_alloc);
+    MemLeakChecker::enable(true);
+    std::size_t const registered = MemLeakChecker::count();
+    for (int round = 2; round < 50; ++round) {
+        std::vector<Single *> seen(4);
+        std::vector<std::thread> threads;
+        for (auto & s : seen) threads.emplace_back([&] { s = instance(); });
+        for (auto & t : threads) t.join();
+        EXPECT_EQ(std::set(seen.begin(), seen.end()).size(), 1u);
+        EXPECT_EQ(Single::made, round);
+        EXPECT_EQ(MemLeakChecker::count(), registered + 1);
+        Singleton_T<Single>::destroy();
+        Singleton_T<Single>::destroy();
+        EXPECT_EQ(MemLeakChecker::count(), registered);
+    }
+    MemLeakChecker::enable(false);
+}
+
+TEST(LockableContainers, DumpUnderTheirOwnNames) {
+    mt::map<ThreadId, String> map;
+    mt::set<int> const set{2, 1};
+    Lock const lock(map), again(map);
+    map[42] = "x";
+    dumper d(true), lines;
+    d << map << set;
+    lines << map << set;
+    EXPECT_EQ(d.str(), "{42 : \"x\"}{1, 2}");
+    EXPECT_EQ(lines.str(), "@yon::mt::map {\n    42 : \"x\"\n}@yon::mt::set {\n    1\n    2\n}");
+    EXPECT_NE(ThreadId::current(), 0u);
+}
+
+}  // namespace
+}  // namespace yon
