@@ -88,7 +88,7 @@ TEST_F(Crash, EndsAsWithoutAReportAndLeavesOne) {
         EXPECT_EQ(text("reason"), windows ? row.exception : row.signal);
         bool const inThread = row.how == std::string("thread") || row.how == std::string("together");
         std::vector<std::string> const calls = crashedThread();
-        ASSERT_EQ(calls.size(), inThread ? 1u : 2u) << contentOf("report.pml");
+        ASSERT_GE(calls.size(), 2u) << contentOf("report.pml");
         EXPECT_TRUE(calls[0].starts_with(inThread ? "Worker::onWork(tests/crash_child.cpp:" : "end("));
         fs::remove("report.pml");
     }

@@ -184,9 +184,6 @@ bool CrashReport::install(istr filename) {
     // Stays with the thread for as long as it lives.
     static thread_local platform::AlternateStack const stack;
     static_cast<void>(&stack);
-    // What it prepares on first use takes a lock.
-    platform::currentThreadId();
-
     std::string const path = platform::programPath();
     program[path.copy(program, sizeof program - 1)] = '\0';
     int const error = platform::prepareCrashFile(filename.empty() ? defaultName() : String(filename));

@@ -55,6 +55,12 @@ private:
     };
     static constexpr auto relaxed = std::memory_order_relaxed;
 
+    // The child of a fork has one thread, with a new id.
+    static void beforeFork() noexcept;
+    static void inChild() noexcept;
+    static bool const survivesFork_;
+    static unsigned forking_;
+
     static constinit std::atomic<TraceMirror *> first_;
 
     TraceMirror * next_ = nullptr;
