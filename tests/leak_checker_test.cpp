@@ -126,7 +126,7 @@ TEST_F(LeakChecker, ShowsGrowth) {
     EXPECT_EQ(d.str(), "{\"new\", 2, \"f\", 1, 70}{\"more\", 1, \"f\", 2, 10}{\"same\", 1, \"f\", 0, 1}");
     dumper all(true);
     Checker::dump(all);
-    EXPECT_TRUE(all.str().startWith("{true, 5, 101, 0, {\"new\", 2, \"f\", 1, 70}, {")) << all.str();
+    EXPECT_TRUE(all.str().starts_with("{true, 5, 101, 0, {\"new\", 2, \"f\", 1, 70}, {")) << all.str();
 }
 
 struct Left {
