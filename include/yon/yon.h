@@ -35,6 +35,7 @@
 #include "yon/base/view_base.h"
 #include "yon/log/config_file.h"
 #include "yon/log/console.h"
+#include "yon/log/crash_report.h"
 #include "yon/log/dumper.h"
 #include "yon/log/dumper_stl.h"
 #include "yon/log/hexdump.h"
