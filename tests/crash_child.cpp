@@ -8,7 +8,6 @@
 #include <map>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "yon/log/crash_report.h"
 #include "yon/log/logger_factory.h"
@@ -20,8 +19,9 @@ namespace {
 yon::logger & log() { return yon::logger_factory::yon(); }
 
 void say(char const * text) {
-    std::fputs(text, stdout);
-    std::fflush(stdout);
+    static std::FILE * const file = std::fopen("said", "wb");
+    std::fputs(text, file);
+    std::fflush(file);
 }
 
 void write() { *reinterpret_cast<char volatile *>(std::strtoul("16", nullptr, 10)) = 1; }
@@ -49,17 +49,20 @@ private:
     void (*const work_)();
 };
 
+Worker & start(void (*work)()) {
+    Worker * const worker = new Worker(work);
+    worker->start();
+    return *worker;
+}
+
 void crashTogether() {
     static std::atomic<int> missing{4};
-    std::vector<Worker *> workers;
-    for (int i = missing; i != 0; --i) {
-        workers.push_back(new Worker([] {
-            for (--missing; missing != 0;) std::this_thread::yield();
-            write();
-        }));
-        workers.back()->start();
-    }
-    workers[0]->stop();
+    auto const crash = [] {
+        for (--missing; missing != 0;) std::this_thread::yield();
+        write();
+    };
+    for (int i = 0; i < 3; ++i) start(crash);
+    start(crash).stop();
 }
 
 /// Logs when it is destroyed, and holds a block until then.
@@ -99,11 +102,7 @@ std::map<std::string, std::function<void()>> const ends = {
     {"trap", [] { __builtin_trap(); }},
     {"abort", [] { std::abort(); }},
     {"overflow", [] { overflow(new int(0)); }},
-    {"thread",
-     [] {
-         (new Worker([] { overflow(new int(0)); }))->start();
-         std::this_thread::sleep_for(std::chrono::minutes(1));
-     }},
+    {"thread", [] { start([] { overflow(new int(0)); }).stop(); }},
     {"terminate", [] { std::terminate(); }},
     {"throw", [] { YON_THROW(yon::OutOfRangeException, "it's 5 \\ 4 (or so)"); }},
     {"int", [] { throw 5; }},
@@ -126,6 +125,7 @@ void end(std::string const & how) {
 }  // namespace
 
 int main(int argc, char ** argv) {
+    say("");
     YON_TRACE(log());
     std::string const before = argc > 2 ? argv[1] : "";
     if (before != "nolog") log().filename("child.log");

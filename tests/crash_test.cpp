@@ -23,10 +23,9 @@ protected:
     /// The exit status, or 128 and the number of the signal.
     int run(std::string const & arguments) {
         fs::remove("child.log");
-        std::string const program = fs::relative(YON_CRASH_CHILD).make_preferred().string();
         // A shell of its own says nothing of signals on the error output.
         std::string const end = windows ? "" : "; exit $?";
-        int const status = std::system((program + ' ' + arguments + " > out 2> err" + end).c_str());
+        int const status = std::system((program_ + ' ' + arguments + " > out 2> err" + end).c_str());
         return !windows && status > 255 ? status / 256 : status;
     }
 
@@ -48,6 +47,8 @@ protected:
     }
 
     fs::path const home_ = fs::current_path();
+    // No blanks are in it, so that no shell needs quotes.
+    std::string const program_ = fs::absolute(YON_CRASH_CHILD).make_preferred().string();
     TemporaryDirectory const directory_{"crash"};
     pml::Unit report_;
 };
@@ -79,11 +80,11 @@ TEST_F(Crash, EndsAsWithoutAReportAndLeavesOne) {
         SCOPED_TRACE(row.how);
         int const bare = run(std::string("bare ") + row.how);
         ASSERT_FALSE(fs::exists("report.pml"));
-        EXPECT_EQ(contentOf("out"), "");
+        EXPECT_EQ(contentOf("said"), "");
         EXPECT_EQ(run(row.how), bare);
-        EXPECT_NE(bare, 0);
-        EXPECT_EQ(contentOf("out"), "hook\n");
-        EXPECT_EQ(linesOf("child.log").front(), "cached");
+        if (!windows) EXPECT_GT(bare, 128);
+        EXPECT_EQ(contentOf("said"), "hook\n");
+        EXPECT_TRUE(contentOf("child.log").starts_with("cached\n"));
         ASSERT_TRUE(readReport()) << contentOf("report.pml");
         EXPECT_EQ(text("reason"), windows ? row.exception : row.signal);
         bool const inThread = row.how == std::string("thread") || row.how == std::string("together");
@@ -122,9 +123,9 @@ TEST_F(Crash, TellsWhatIsKnown) {
 
 TEST_F(Crash, CallsEarlierHandlers) {
     run("earlier write");
-    EXPECT_EQ(contentOf("out"), "hook\nearlier signal\n");
+    EXPECT_EQ(contentOf("said"), "hook\nearlier signal\n");
     run("earlier throw");
-    EXPECT_EQ(contentOf("out"), "hook\nearlier terminate\n");
+    EXPECT_EQ(contentOf("said"), "hook\nearlier terminate\n");
 }
 
 TEST_F(Crash, LeavesOldReportsUntilThereIsANewOne) {
