@@ -182,6 +182,17 @@ TEST(Cond, WakesWhomItShould) {
                                         [&] { cond.timedWait(lock, shortly); });
 }
 
+TEST(Cond, ReleasesStaticMutexesAltogether) {
+    static StaticMutex mutex;
+    Cond cond;
+    Lock const lock(mutex), again(mutex);
+    Threads const threads(1, [&](int) {
+        Lock const own(mutex);
+        cond.signal();
+    });
+    cond.wait(again);
+}
+
 /// As many takers as givers over a small stock, with and without limits that run out all the time: nothing is lost,
 /// nobody is left over.
 TEST(Cond, LosesNoWakeUp) {
@@ -195,7 +206,7 @@ TEST(Cond, LosesNoWakeUp) {
                 Lock const lock(mutex);
                 while (stock == (gives ? 2 : 0)) {
                     Cond & cond = gives ? room : some;
-                    i < 2 ? cond.wait(lock) : void(cond.timedWait(lock, Time(n % 3)));
+                    i < 2 ? cond.wait(lock) : void(cond.timedWait(lock, Time(1)));
                 }
                 stock += gives ? 1 : -1;
                 Cond & cond = gives ? some : room;

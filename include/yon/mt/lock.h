@@ -15,18 +15,18 @@ namespace yon {
 namespace detail {
 
 struct Exclusive {
-    static void lock(auto & m) { m.lock(); }
-    static bool tryLock(auto & m) { return m.tryLock(); }
+    static void lock(auto & m) YON_NO_THREAD_SAFETY_ANALYSIS { m.lock(); }
+    static bool tryLock(auto & m) YON_NO_THREAD_SAFETY_ANALYSIS { return m.tryLock(); }
 };
 struct Reading {
-    static void lock(auto & m) { m.readLock(); }
-    static bool tryLock(auto & m) { return m.tryReadLock(); }
-    static bool tryLock(auto & m, Time const & t) { return m.timedReadLock(t); }
+    static void lock(auto & m) YON_NO_THREAD_SAFETY_ANALYSIS { m.readLock(); }
+    static bool tryLock(auto & m) YON_NO_THREAD_SAFETY_ANALYSIS { return m.tryReadLock(); }
+    static bool tryLock(auto & m, Time const & t) YON_NO_THREAD_SAFETY_ANALYSIS { return m.timedReadLock(t); }
 };
 struct Writing {
-    static void lock(auto & m) { m.writeLock(); }
-    static bool tryLock(auto & m) { return m.tryWriteLock(); }
-    static bool tryLock(auto & m, Time const & t) { return m.timedWriteLock(t); }
+    static void lock(auto & m) YON_NO_THREAD_SAFETY_ANALYSIS { m.writeLock(); }
+    static bool tryLock(auto & m) YON_NO_THREAD_SAFETY_ANALYSIS { return m.tryWriteLock(); }
+    static bool tryLock(auto & m, Time const & t) YON_NO_THREAD_SAFETY_ANALYSIS { return m.timedWriteLock(t); }
 };
 
 /// What all guards have. A guard is used by the thread that made it. Only where unlocking can raise may the

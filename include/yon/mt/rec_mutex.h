@@ -46,6 +46,7 @@ public:
 
 private:
     friend class Cond;
+    friend class StaticMutex;
 
     /// How often the owner holds it, kept while a wait has released it altogether.
     struct LockState {

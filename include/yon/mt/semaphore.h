@@ -16,7 +16,8 @@ public:
 
     /// Waits for a count and takes it.
     void wait() const;
-    /// The same for a limited time, by the monotonic clock and rounded up to the next millisecond. False: it is over.
+    /// The same for a limited time, by the monotonic clock and rounded up to the next
+    /// millisecond. False: it is over.
     bool timedWait(Time const & time) const;
     /// Adds `count`, 1 or more.
     void post(int count = 1) const;

@@ -21,6 +21,11 @@ public:
     void unlock() const noexcept YON_RELEASE() { section_.load(std::memory_order_relaxed)->unlock(); }
 
 private:
+    friend class Cond;
+    using LockState = RecMutex::LockState;
+    void unlock(LockState & state) const noexcept YON_RELEASE() { section().unlock(state); }
+    void lock(LockState const & state) const noexcept YON_ACQUIRE() { section().lock(state); }
+
     RecMutex const & section() const {
         if (section_.load(std::memory_order_acquire) == nullptr) initialize();
         return *section_.load(std::memory_order_acquire);

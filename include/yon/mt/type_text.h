@@ -8,7 +8,7 @@
 namespace yon {
 
 /// The word in front of a type's name: the same on every target, whatever its compiler would say. Specialise it
-/// beside a structure to have "struct" said.
+/// beside a structure as "struct ".
 template <class T>
 inline constexpr std::string_view classWord = "class ";
 

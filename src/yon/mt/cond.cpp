@@ -1,6 +1,7 @@
 #include "yon/mt/cond.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "yon/mt/deadline.h"
 #include "yon/platform/locks.h"
@@ -44,64 +45,88 @@ void Cond::raiseLocked(unsigned int line, char const * function) {
     YON_THROW_AT(YON_LOCATION("include/yon/mt/cond", line, function), ThreadLockedException);
 }
 
-void Cond::preWait() const {
-    gate_.wait();
-    waiting_.fetch_add(1, std::memory_order_relaxed);
-    gate_.post();
+/// Joins a group in which nobody is being released, or waits until there is one.
+Cond::Group & Cond::preWait() const {
+    for (;;) {
+        {
+            Lock const lock(internal_);
+            if (young_->released != 0) young_ = older();
+            if (young_->released == 0) {
+                ++young_->waiting;
+                idle_.fetch_add(1, std::memory_order_relaxed);
+                return *young_;
+            }
+            ++outside_;
+        }
+        gate_.wait();
+    }
 }
 
-/// Returns whether a wake-up was for this thread. Who was not woken, because his time was over or the wait has
-/// failed, leaves the releases to those who wait on, as long as there are enough of them.
-bool Cond::postWait(bool woken) const {
-    int left = 0;
+/// Leaves the group; returns whether a wake-up was for this thread. Who was not woken, because his time was over or
+/// the wait has failed, leaves the counts to the others, unless there is one for each.
+bool Cond::postWait(Group & group, bool woken) const {
+    if (!woken) {
+        {
+            Lock const lock(internal_);
+            if (group.released < group.waiting) {
+                --group.waiting;
+                idle_.fetch_sub(1, std::memory_order_relaxed);
+                return false;
+            }
+        }
+        group.queue.wait();
+    }
+    int admitted = 0;
     {
         Lock const lock(internal_);
-        int const others = waiting_.fetch_sub(1, std::memory_order_relaxed) - 1;
-        if (!woken && toRelease_ <= others) return false;
-        left = --toRelease_;
+        --group.waiting;
+        if (--group.released == 0) admitted = std::exchange(outside_, 0);
     }
-    if (left != 0) {
-        if (woken) queue_.post();
-        return true;
-    }
-    // Nobody else is left who could have the count.
-    if (!woken) queue_.wait();
-    gate_.post();
+    if (admitted != 0) gate_.post(admitted);
     return true;
 }
 
-void Cond::dowait() const {
+void Cond::dowait(Group & group) const {
     try {
-        queue_.wait();
+        group.queue.wait();
     } catch (...) {
-        postWait(false);
+        postWait(group, false);
         throw;
     }
-    postWait(true);
+    postWait(group, true);
 }
 
-bool Cond::timedDowait(Time const & time) const {
+bool Cond::timedDowait(Group & group, Time const & time) const {
     bool woken = false;
     try {
-        woken = queue_.timedWait(time);
+        woken = group.queue.timedWait(time);
     } catch (...) {
-        postWait(false);
+        postWait(group, false);
         throw;
     }
-    return postWait(woken);
+    return postWait(group, woken);
 }
 
-void Cond::wake(bool all) {
+/// Releases up to `count` of those who wait in a group, and takes them off the count.
+int Cond::release(Group & group, int & count) const {
+    int const released = std::min(group.waiting - group.released, count);
+    group.released += released;
+    idle_.fetch_sub(released, std::memory_order_relaxed);
+    count -= released;
+    return released;
+}
+
+void Cond::wake(int count) {
     // Who holds the lock, or has held it since the condition changed, sees everybody who waits for the change.
-    if (waiting_.load(std::memory_order_relaxed) == 0) return;
-    gate_.wait();
-    bool const any = [&] {
-        Lock const lock(internal_);
-        int const waiting = waiting_.load(std::memory_order_relaxed);
-        toRelease_ = all ? waiting : std::min(waiting, 1);
-        return waiting != 0;
-    }();
-    (any ? queue_ : gate_).post();
+    if (idle_.load(std::memory_order_relaxed) == 0) return;
+    internal_.lock();
+    Group & first = *older();
+    Group & second = *young_;
+    int const fromFirst = release(first, count);
+    int const fromSecond = release(second, count);
+    internal_.unlock();
+    if (fromFirst != 0) first.queue.post(fromFirst);
+    if (fromSecond != 0) second.queue.post(fromSecond);
 }
 
 }  // namespace yon

@@ -9,8 +9,8 @@ namespace yon::platform {
 
 // --- locks: one word, free when it is 0, with nothing to set up or to destroy; not recursive ---
 
-void lockWord(std::uintptr_t & word) noexcept;
 bool tryLockWord(std::uintptr_t & word) noexcept;
+void lockWord(std::uintptr_t & word) noexcept;
 /// Does not touch the word any more once another thread can have the lock, so the lock's next owner may destroy it.
 void unlockWord(std::uintptr_t & word) noexcept;
 
@@ -50,3 +50,7 @@ unsigned currentProcessId() noexcept;
 std::uintptr_t threadToken() noexcept;
 
 }  // namespace yon::platform
+
+#if !defined(_WIN32)
+#include "yon/platform/posix/fast_locks.h"
+#endif

@@ -21,6 +21,4 @@ unsigned currentThreadId() noexcept { return cachedId != 0 ? cachedId : askForId
 
 unsigned currentProcessId() noexcept { return static_cast<unsigned>(::getpid()); }
 
-std::uintptr_t threadToken() noexcept { return reinterpret_cast<std::uintptr_t>(__builtin_thread_pointer()); }
-
 }  // namespace yon::platform

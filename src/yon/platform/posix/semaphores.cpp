@@ -13,7 +13,7 @@ using Word = std::atomic_ref<ulonglong>;
 constexpr ulonglong oneWaiter = 1ull << 32;
 constexpr ulonglong invalid = 1ull << 31;  ///< a count that cannot be
 
-constexpr int spins = 100;
+constexpr int spins = 10;  ///< a count rarely comes within the time that a change of threads takes
 
 ulonglong countOf(ulonglong state) noexcept { return state % oneWaiter; }
 
@@ -48,7 +48,8 @@ bool take(Word word, ulonglong waiters) noexcept {
 
 int waitSemaphore(ulonglong & semaphore, timespec const * time) noexcept {
     if (countOf(Word(semaphore).load(std::memory_order_relaxed)) == invalid) return EINVAL;
-    return take(Word(semaphore), 0) ? done : waitForCount(semaphore, time);
+    if (take(Word(semaphore), 0)) return done;
+    return time != nullptr && time->tv_sec == 0 && time->tv_nsec == 0 ? timedOut : waitForCount(semaphore, time);
 }
 
 }  // namespace
