@@ -66,6 +66,12 @@ bool eventually(Condition condition) {
     return true;
 }
 
+/// Lets a few microseconds pass, so that others are met at various moments.
+void spin(int microseconds) {
+    for (auto const end = Clock::now() + std::chrono::microseconds(microseconds); Clock::now() < end;) {
+    }
+}
+
 std::atomic<int> workers{0};
 
 /// A thread with hooks from outside, which notes what is called.
@@ -278,18 +284,18 @@ TEST(Threads, leave_the_factory_when_they_end) {
 }
 
 TEST(Threads, forget_their_owner_only_between_calls_of_it) {
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 150; ++i) {
         auto owner = std::make_unique<Owner>();
         std::atomic<bool> within{false};
         owner->onTold_ = [&] {
             within = true;
-            std::this_thread::yield();
+            spin(5);
             within = false;
         };
         Handle<Worker> const worker(new Worker(owner.get()));
         worker->loop_ = [] { return false; };
         worker->start();
-        for (int n = i % 50; n > 0; --n) std::this_thread::yield();
+        spin(i % 50);
         worker->detach();
         EXPECT_FALSE(within);
         owner.reset();
@@ -327,14 +333,14 @@ TEST(Threads, run_members_of_their_owner) {
 }
 
 TEST(Threads, are_stopped_out_of_any_wait_at_once) {
-    for (int i = 0; i < 300; ++i) {
+    for (int i = 0; i < 150; ++i) {
         Handle<Worker> const worker(new Worker);
         worker->wait_ = [&] {
             if (i % 2) worker->wait();
             return i % 2 || worker->wait(Time::seconds(1000));
         };
         worker->start();
-        for (int n = i % 30; n > 0; --n) std::this_thread::yield();
+        spin(i % 50);
         worker->stop();
         worker->wait();
     }
@@ -472,12 +478,12 @@ TEST(ThreadManagers, hold_threads_until_they_end_or_it_closes) {
 }
 
 TEST(ThreadManagers, stand_threads_that_end_while_they_are_put) {
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 150; ++i) {
         AsyncThreadManager manager("race");
         Handle<Worker> const worker(new Worker);
         worker->loop_ = [] { return false; };
         ThreadControl const control = worker->start();
-        for (int n = i % 40; n > 0; --n) std::this_thread::yield();
+        spin(i % 50);
         manager.put(worker);
         if (i % 3 == 0) manager.close();
         control.join();

@@ -10,6 +10,7 @@
 #include "yon/mt/uncaught.h"
 #include "yon/platform/platform.h"
 #include "yon/platform/threads.h"
+#include "yon/platform/wall_tick.h"
 
 namespace yon {
 
@@ -175,7 +176,7 @@ ThreadInfo SimpleThread::info() const {
 ThreadInfo const & SimpleThread::current() {
     ThreadEntry & entry = ThreadEntry::get();
     longlong const tick = platform::wallTick();
-    if (tick != entry.tick_) {
+    if (tick != entry.tick_) [[unlikely]] {
         entry.tick_ = tick;
         entry.updateDateTime();
     }

@@ -16,20 +16,19 @@ namespace yon {
 
 using detail::ThreadEntry;
 
+constinit std::atomic<unsigned> detail::generation{1};
+
 namespace {
 
 /// Guards the factory, its making included, and what it knows of other threads. It stays when the factory goes.
 constinit detail::SystemLock factoryLock;
 
-/// Changes when the factory is destroyed and when the process has forked: what was known before is void.
-constinit std::atomic<unsigned> generation{1};
-
-unsigned presentGeneration() noexcept { return generation.load(std::memory_order_relaxed); }
+unsigned presentGeneration() noexcept { return detail::generation.load(std::memory_order_relaxed); }
 
 void beforeFork() noexcept { factoryLock.lock(); }
 void afterForkInParent() noexcept { factoryLock.unlock(); }
 void afterForkInChild() noexcept {
-    generation.fetch_add(1, std::memory_order_relaxed);
+    detail::generation.fetch_add(1, std::memory_order_relaxed);
     factoryLock.unlock();
 }
 
@@ -38,8 +37,6 @@ void endEntry(void * value) {
     ThreadFactory::forget_i(*entry);
     YON_DELETE(entry);
 }
-
-ThreadEntry * ofCaller() noexcept { return static_cast<ThreadEntry *>(platform::slot(platform::Slot::info)); }
 
 bool setForCaller(ThreadEntry * entry) noexcept { return platform::setSlot(platform::Slot::info, entry, endEntry); }
 
@@ -65,15 +62,7 @@ String detail::identityText(ThreadId id, bool ofLibrary) {
     return text;
 }
 
-ThreadEntry * ThreadEntry::find() noexcept {
-    ThreadEntry * const entry = ofCaller();
-    return entry != nullptr && entry->generation_ == presentGeneration() ? entry : nullptr;
-}
-
-ThreadEntry & ThreadEntry::get() {
-    if (ThreadEntry * const known = find()) [[likely]] {
-        return *known;
-    }
+ThreadEntry & ThreadEntry::makeKnown() {
     ThreadEntry * const old = ofCaller();
     ThreadEntry & entry = old != nullptr ? *old : makeForCaller();
     ThreadFactory::know_i(entry, entry.thread_);
@@ -152,7 +141,7 @@ void ThreadFactory::forget_i(ThreadEntry & entry) noexcept {
 
 void ThreadFactory::destroy_i() {
     Lock const lock(factoryLock);
-    generation.fetch_add(1, std::memory_order_relaxed);
+    detail::generation.fetch_add(1, std::memory_order_relaxed);
     Singleton_T<ThreadFactory>::destroy();
 }
 

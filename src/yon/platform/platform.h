@@ -21,9 +21,6 @@ namespace yon::platform {
 longlong wallMicroseconds() noexcept;
 /// Microseconds since some moment in the past, by a clock that nobody sets and that never goes back.
 longlong monotonicMicroseconds() noexcept;
-/// A number that differs from the one before once the wall clock's coarse value has moved on, which is every few
-/// milliseconds. Takes a few nanoseconds.
-longlong wallTick() noexcept;
 
 struct CalendarTime {
     longlong year;  ///< of the common era

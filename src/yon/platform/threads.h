@@ -40,8 +40,19 @@ void pauseThread(longlong microseconds) noexcept;
 enum class Slot { info, callStack, thread };
 inline constexpr int slotCount = 3;
 
+struct Slots {
+    void * value[slotCount];
+    void (*end[slotCount])(void *);
+};
+
 /// The calling thread's value, null at first. Takes a nanosecond or two, and leaves the last error.
+#if defined(_WIN32)
 void * slot(Slot s) noexcept;
+#else
+// Small enough for the room that the system keeps for libraries loaded later.
+[[gnu::tls_model("initial-exec")]] extern constinit thread_local Slots slots;
+inline void * slot(Slot s) noexcept { return slots.value[static_cast<int>(s)]; }
+#endif
 
 /// Sets it; false when the memory is used up. When the thread ends, values other than null are taken out of their
 /// slots and given to their `end`, which may set slots again. Not called when the process ends.

@@ -20,16 +20,6 @@ longlong wallMicroseconds() noexcept { return microseconds(CLOCK_REALTIME); }
 
 longlong monotonicMicroseconds() noexcept { return microseconds(CLOCK_MONOTONIC); }
 
-longlong wallTick() noexcept {
-#ifdef CLOCK_REALTIME_COARSE
-    timespec t;
-    ::clock_gettime(CLOCK_REALTIME_COARSE, &t);
-    return longlong{t.tv_sec} * 1000000000 + t.tv_nsec;
-#else
-    return wallMicroseconds() / 1000;
-#endif
-}
-
 CalendarTime localTime(longlong seconds) noexcept {
     std::time_t const moment = seconds;
     std::tm t{};

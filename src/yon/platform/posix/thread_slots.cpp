@@ -4,15 +4,9 @@
 
 namespace yon::platform {
 
+constinit thread_local Slots slots{};
+
 namespace {
-
-struct Slots {
-    void * value[slotCount];
-    void (*end[slotCount])(void *);
-};
-
-// Small enough for the room that the system keeps for libraries loaded later.
-[[gnu::tls_model("initial-exec")]] constinit thread_local Slots slots{};
 
 void endThread(void *) noexcept {
     for (int i = 0; i < slotCount; ++i) {
@@ -37,8 +31,6 @@ bool watchThread() noexcept {
 }
 
 }  // namespace
-
-void * slot(Slot s) noexcept { return slots.value[static_cast<int>(s)]; }
 
 bool setSlot(Slot s, void * value, void (*end)(void *)) noexcept {
     if (value != nullptr && !watchThread()) return false;

@@ -38,8 +38,6 @@ longlong monotonicMicroseconds() noexcept {
     return now.QuadPart / frequency * 1000000 + now.QuadPart % frequency * 1000000 / frequency;
 }
 
-longlong wallTick() noexcept { return wallMicroseconds() / 1000; }
-
 CalendarTime localTime(longlong seconds) noexcept {
     // The C library knows the years 1970 to 3000 only. The calendar, days of the week included, repeats after 400
     // years, so any other moment is read in the 400 years from 2370 on, and the years are put back.

@@ -9,11 +9,6 @@ namespace yon::platform {
 
 namespace {
 
-struct Slots {
-    void * value[slotCount];
-    void (*end[slotCount])(void *);
-};
-
 // The compiler's own thread-local variables are many times as slow here.
 std::atomic<DWORD> place{TLS_OUT_OF_INDEXES};
 
