@@ -1,6 +1,7 @@
 // Timers beside libuv, Asio and ACE. Real time counts: ours have a thread of their own for the callbacks, and a round
 // ends when the last one has run.
 #include <ace/Event_Handler.h>
+#include <ace/Recursive_Thread_Mutex.h>
 #include <ace/Timer_Heap.h>
 #include <benchmark/benchmark.h>
 #include <uv.h>
@@ -170,7 +171,8 @@ void setAndKillAce(benchmark::State & state) {
 void fireAce(benchmark::State & state) {
     ACE_Timer_Heap heap(timers, true);
     AceCounter counter;
-    ACE_Time_Value now(1), const second(1);
+    ACE_Time_Value now(1);
+    ACE_Time_Value const second(1);
     for (std::size_t i = 0; i < timers; ++i) heap.schedule(&counter, nullptr, now, second);
     measure(state, timers, [&] {
         heap.expire(now);

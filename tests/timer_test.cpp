@@ -164,7 +164,7 @@ TEST_F(Queue, FollowsTheModel) {
         auto const later = [](longlong expiry, Timer const & other) { return expiry < other.expiry; };
         model.insert(std::upper_bound(model.begin(), model.end(), t.expiry, later), t);
     };
-    for (int round = 0; round < 20000; ++round) {
+    for (int round = 0; round < 8000; ++round) {
         ulong const interval = below(40), times = below(3), action = below(6);
         Calls expected;
         std::vector<TimerId> ended;

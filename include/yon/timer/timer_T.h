@@ -15,8 +15,9 @@
 namespace yon {
 
 /// One timer, which calls a member of its owner on the callback thread. Once it is destroyed no call comes; the
-/// destructor waits for one that runs, unless it runs as part of it. So the timer is the last member of its owner,
-/// and nobody destroys it, or sets it anew, under a lock that the member function takes. Callable from any thread.
+/// destructor waits for one that runs, unless it runs as part of it. So the timer is the last member of its owner, a
+/// destructor of the owner that does anything calls `killTimerAndWait` first, and nobody destroys the timer, or sets
+/// it anew, under a lock that the member function takes. Callable from any thread.
 template <class T>
 class Timer_T : public ITimerObject {
 public:

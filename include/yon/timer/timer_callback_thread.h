@@ -60,25 +60,29 @@ private:
     void runTaken();
     void deliver(TimerCallbackBlock const & event) noexcept;
     void poll() const noexcept;
-    template <class Done>
-    void await(Done done);
-    void progress();
+    bool finished(ulong goal) const noexcept;
+    void finish();
+    void waitForPins();
+
+    static constexpr ulong farGoal = 1u << 30;
 
     TimerQueue & queue_;
     Monitor events_;  ///< guards the two that follow
     std::unique_ptr<Ring> ring_;
-    bool waiting_ = false;  ///< the thread waits for events
-    std::atomic<ulong> posted_{0};
-    std::atomic<ulong> finished_{0};
+    bool waiting_ = false;            ///< the thread waits for events
+    std::atomic<ulong> posted_{0};    ///< so many events; starts over after 4 billion
+    std::atomic<ulong> finished_{0};  ///< of these
 
     // Used by the thread alone.
     std::array<TimerCallbackBlock, 64> taken_;
     std::size_t takenCount_ = 0;
     std::size_t takenNext_ = 0;
 
-    Monitor progress_;  ///< what `await` waits on
-    std::atomic<ulong> watchers_{0};
+    Monitor progress_;                      ///< waited on for finished events, and for pins to go
+    std::atomic<ulong> watchers_{0};        ///< those who wait for events
+    std::atomic<ulong> nextGoal_{farGoal};  ///< the first that one of them waits for
     std::atomic<ulong> pins_{0};
+    std::atomic<bool> waitsForPins_{false};
 };
 
 }  // namespace yon

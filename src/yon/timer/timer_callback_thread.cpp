@@ -69,29 +69,42 @@ void TimerCallbackThread::post(TimerCallbackBlock const * events, std::size_t co
     waiting_ = false;
 }
 
+bool TimerCallbackThread::finished(ulong goal) const noexcept { return static_cast<slong>(finished_ - goal) >= 0; }
+
 void TimerCallbackThread::waitForPosted() {
     ulong const goal = posted_;
-    auto const reached = [&] { return static_cast<slong>(finished_ - goal) >= 0; };
-    if (!reached()) await(reached);
-}
-
-/// Waits for something that the other side changes before it calls `progress`.
-template <class Done>
-void TimerCallbackThread::await(Done done) {
+    if (finished(goal)) return;
     Lock const lock(progress_);
     ++watchers_;
-    while (!done()) progress_.wait();
+    for (;;) {
+        if (static_cast<slong>(goal - nextGoal_) < 0) nextGoal_ = goal;
+        if (finished(goal)) break;
+        progress_.wait();
+    }
     --watchers_;
 }
 
-void TimerCallbackThread::progress() {
-    if (watchers_ == 0) return;
+/// Counts an event that is done, and wakes those who wait if the first of them has what it waits for.
+void TimerCallbackThread::finish() {
+    ++finished_;
+    if (watchers_ == 0 || !finished(nextGoal_)) return;
     Lock const lock(progress_);
+    nextGoal_ = finished_ + farGoal;
     progress_.notifyAll();
 }
 
+/// Of a pin that the thread has seen it is told.
+void TimerCallbackThread::waitForPins() {
+    Lock const lock(progress_);
+    waitsForPins_ = true;
+    while (pins_ != 0) progress_.wait();
+    waitsForPins_ = false;
+}
+
 TimerCallbackThread::Pin::~Pin() {
-    if (thread_ != nullptr && --thread_->pins_ == 0) thread_->progress();
+    if (thread_ == nullptr || --thread_->pins_ != 0 || !thread_->waitsForPins_) return;
+    Lock const lock(thread_->progress_);
+    thread_->progress_.notifyAll();
 }
 
 void TimerCallbackThread::takeBack(TimerId id) {
@@ -150,14 +163,13 @@ void TimerCallbackThread::runTaken() {
         // Copied, for the callback may take events back.
         TimerCallbackBlock const event = taken_[takenNext_++];
         deliver(event);
-        ++finished_;
-        progress();
+        finish();
     }
 }
 
 void TimerCallbackThread::deliver(TimerCallbackBlock const & event) noexcept {
     bool const released = event.type == TimerCallbackBlock::Type::released;
-    if (released && pins_ != 0) await([this] { return pins_ == 0; });
+    if (released && pins_ != 0) waitForPins();
     if (!released && !living()) return;
     if (event.exec() && living()) queue_.onTimerEnd(event.id);
 }
