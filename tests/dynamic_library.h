@@ -10,7 +10,6 @@ public:
     ~DynamicLibrary();
 
     void * function(char const * name) const;
-    static bool isLoaded(char const * file);
 
 private:
     void * handle_;

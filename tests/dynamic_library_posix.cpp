@@ -12,8 +12,3 @@ DynamicLibrary::DynamicLibrary(char const * file) : handle_(::dlopen(file, RTLD_
 }
 DynamicLibrary::~DynamicLibrary() { ::dlclose(handle_); }
 void * DynamicLibrary::function(char const * name) const { return ::dlsym(handle_, name); }
-bool DynamicLibrary::isLoaded(char const * file) {
-    void * const handle = ::dlopen(file, RTLD_NOW | RTLD_NOLOAD);
-    if (handle != nullptr) ::dlclose(handle);
-    return handle != nullptr;
-}

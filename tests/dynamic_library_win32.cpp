@@ -14,4 +14,3 @@ DynamicLibrary::~DynamicLibrary() { ::FreeLibrary(static_cast<HMODULE>(handle_))
 void * DynamicLibrary::function(char const * name) const {
     return reinterpret_cast<void *>(::GetProcAddress(static_cast<HMODULE>(handle_), name));
 }
-bool DynamicLibrary::isLoaded(char const * file) { return ::GetModuleHandleA(file) != nullptr; }

@@ -19,7 +19,8 @@ public:
     TemporaryDirectory & operator=(TemporaryDirectory const &) = delete;
     ~TemporaryDirectory() { clear(); }
 
-    std::string file(std::string const & name) const { return (path_ / name).string(); }
+    /// With slashes, which every system takes.
+    std::string file(std::string const & name) const { return path_.generic_string() + '/' + name; }
 
 private:
     void clear() noexcept {

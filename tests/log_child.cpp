@@ -1,10 +1,8 @@
 // A program that ends in the way its first argument says, with lines in the cache for the file that the second names.
 #include <atomic>
-#include <chrono>
 #include <cstdlib>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "yon/log/logger_factory.h"
 #include "yon/log/record.h"
@@ -26,8 +24,13 @@ struct Late {
     bool active = false;
 } late;
 
+std::atomic<int> busy{0};
+
 void logForEver(int thread) {
-    for (int i = 0;; ++i) write("thread " + std::to_string(thread) + " line " + std::to_string(i));
+    for (int i = 0;; ++i) {
+        write("thread " + std::to_string(thread) + " line " + std::to_string(i));
+        if (i == 200) ++busy;
+    }
 }
 
 int run(std::string const & mode) {
@@ -36,7 +39,7 @@ int run(std::string const & mode) {
     if (mode == "timers") yon::TimerManager::instance()->start();
     if (mode == "threads") {
         for (int t = 0; t < 4; ++t) std::thread(logForEver, t).detach();
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        while (busy < 4) std::this_thread::yield();
     }
     if (mode == "return") return 3;
     if (mode == "handler") {

@@ -332,7 +332,8 @@ TEST_F(Logger, ReadsItsConfiguration) {
 
 TEST_F(Logger, WritesStartLines) {
     logger & yon = yon::logger_factory::yon();
-    yon.filename(file("yon.log"));
+    yon.useLogfile(false).flush();  // what other tests have left
+    yon.useLogfile(true).filename(file("yon.log"));
     Listener listener;
     yon.setCallback(&listener);
     testing::internal::CaptureStdout();

@@ -25,6 +25,28 @@ logger & log() {
     return l;
 }
 
+/// Uses everything before main, and again when all is over; a fault there makes the program fail.
+struct EarlyAndLate {
+    EarlyAndLate() { use(); }
+    ~EarlyAndLate() { use(); }
+    void use() {
+        Lines lines(logger_factory::yon());
+        YON_TRACE_INFO(log(), "depth");
+        try {
+            YON_THROW(EmptyDataException, "at an odd time");
+        } catch (EmptyDataException const &) {
+        }
+        text = lines.take();
+        tracer::instance()->destroy_current_stack();
+    }
+    std::string text;
+} const earlyAndLate;
+
+TEST(Tracer, ServesBeforeMain) {
+    EXPECT_NE(earlyAndLate.text.find("at an odd time"), std::string::npos);
+    EXPECT_NE(earlyAndLate.text.find("CALL STACK: yon::EarlyAndLate::use("), std::string::npos) << earlyAndLate.text;
+}
+
 std::string stackText() {
     std::ostringstream os;
     printTraceStack(os);
@@ -162,6 +184,15 @@ TEST(Tracer, ThreadsLeaveNothingBehind) {
     for (std::thread & t : threads) t.join();
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(count(), before);
+}
+
+TEST(Header, DateTimeIsThatOfTheMoment) {
+    DateTimeText text;
+    longlong us = 1'000'000'000'998'000;
+    for (int i = 0; i < 3000; ++i, us += i % 7 * 997 - 500) {
+        EXPECT_EQ(text.at(Time(us)), istr(Time(us).toDateTime()));
+    }
+    EXPECT_EQ(text.at(Time(-1)), istr(Time(-1).toDateTime()));
 }
 
 TEST(Tracer, ThePortWritesToYon) {

@@ -185,6 +185,7 @@ bool ConsoleImpl::takeLine(String & line) {
 /// What is pending is printed by the parent. Locks that its other threads held are held by nobody now.
 void ConsoleImpl::becomeChild() noexcept {
     pending_.clear();
+    written_.clear();
     new (&writing_) detail::SystemLock;
     new (&reading_) detail::SystemLock;
     unlock();

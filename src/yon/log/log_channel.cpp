@@ -1,9 +1,6 @@
 #include "yon/log/log_channel.h"
 
-#include <mutex>
-
 #include "yon/log/emergency.h"
-#include "yon/platform/fork.h"
 
 namespace yon {
 
@@ -46,41 +43,22 @@ namespace {
 
 constexpr ulong flushInterval = 1000;  // ms
 
-void beforeFork() noexcept {
-    ChannelList::lock.lock();
-    ChannelList::forEach([](LogChannel & c) {
-        c.main.lock();
-        c.debug.lock();
-        c.names.lock();
-    });
-}
-
-void release() noexcept {
-    ChannelList::forEach([](LogChannel & c) {
-        c.names.unlock();
-        c.debug.unlock();
-        c.main.unlock();
-    });
-    ChannelList::lock.unlock();
-}
-
-void inChild() noexcept {
-    ChannelList::forEachFile([](LogFile & f) { f.forget(); });
-    release();
-}
-
 /// Writes everything out when the process ends or the library is unloaded. Lines that come later are written one by
 /// one, by loggers that are still there.
 struct AtEnd {
-    AtEnd() noexcept { platform::onFork(platform::ForkLayer::log, beforeFork, release, inChild); }
+    constexpr AtEnd() noexcept = default;
     ~AtEnd() {
         logIsEnding.store(true, std::memory_order_relaxed);
-        PatientGuard const guard(ChannelList::lock);
-        if (!guard.owns()) return;
-        ChannelList::forEachFile([](LogFile & f) {
-            f.flush();
-            f.close();
-        });
+        LogTrouble trouble;
+        {
+            PatientGuard const guard(ChannelList::lock);
+            if (!guard.owns()) return;
+            ChannelList::forEachFile([&](LogFile & f) {
+                f.flush(trouble);
+                f.close();
+            });
+        }
+        trouble.tell();
     }
 } const atEnd;
 
@@ -99,11 +77,40 @@ LogChannel::~LogChannel() {
 }
 
 void flushUntimed() noexcept {
-    PatientGuard const guard(ChannelList::lock);
-    if (!guard.owns()) return;
+    LogTrouble trouble;
+    {
+        PatientGuard const guard(ChannelList::lock);
+        if (!guard.owns()) return;
+        ChannelList::forEach([&](LogChannel & c) {
+            if (c.timer.armed()) return;
+            c.main.flush(trouble);
+            c.debug.flush(trouble);
+        });
+    }
+    trouble.tell();
+}
+
+void lockChannels() noexcept {
+    ChannelList::lock.lock();
     ChannelList::forEach([](LogChannel & c) {
-        if (!c.timer.armed()) c.flush();
+        c.main.lock();
+        c.debug.lock();
+        c.names.lock();
     });
+}
+
+void unlockChannels() noexcept {
+    ChannelList::forEach([](LogChannel & c) {
+        c.names.unlock();
+        c.debug.unlock();
+        c.main.unlock();
+    });
+    ChannelList::lock.unlock();
+}
+
+void unlockChannelsOfChild() noexcept {
+    ChannelList::forEachFile([](LogFile & f) { f.forget(); });
+    unlockChannels();
 }
 
 void emergencyFlush() noexcept {

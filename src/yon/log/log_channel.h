@@ -37,4 +37,9 @@ private:
 /// Writes out the channels whose timer is not set.
 void flushUntimed() noexcept;
 
+// Around a fork: the list and all channels are locked; the child forgets the lines that its parent will write.
+void lockChannels() noexcept;
+void unlockChannels() noexcept;
+void unlockChannelsOfChild() noexcept;
+
 }  // namespace yon

@@ -30,17 +30,16 @@ public:
 
     /// The logger, which may be new and without settings.
     logger & at(std::string const & id) {
+        if (logger * const known = find(id)) return *known;
+        // Made under no lock; one too many goes again.
+        auto made = std::make_unique<logger>();
         Lock const lock(loggers_);
-        std::unique_ptr<logger> & entry = loggers_[id];
-        if (!entry) entry = std::make_unique<logger>();
-        return *entry;
+        return *loggers_.try_emplace(id, std::move(made)).first->second;
     }
     std::vector<logger *> all() {
         std::vector<logger *> found;
         Lock const lock(loggers_);
-        for (auto const & [id, entry] : loggers_) {
-            if (entry) found.push_back(entry.get());
-        }
+        for (auto const & [id, entry] : loggers_) found.push_back(entry.get());
         return found;
     }
     dumper & dump(dumper & d) const {
@@ -58,6 +57,12 @@ public:
 
 private:
     friend class Singleton_T<LoggerFactoryImpl>;
+    logger * find(std::string const & id) const {
+        Lock const lock(loggers_);
+        auto const found = loggers_.find(id);
+        return found != loggers_.end() ? found->second.get() : nullptr;
+    }
+
     LoggerFactoryImpl() noexcept { existing.store(this, std::memory_order_release); }
     ~LoggerFactoryImpl() { existing.store(nullptr, std::memory_order_release); }
 
@@ -71,15 +76,21 @@ namespace {
 /// Asked for so often that it is kept at hand.
 constinit std::atomic<logger *> yonLogger{nullptr};
 
-/// The process forks with the map whole.
+/// The process forks with the map and all loggers whole.
 struct ForkSafety {
-    ForkSafety() noexcept { platform::onFork(platform::ForkLayer::loggers, lock, unlock, unlock); }
+    ForkSafety() noexcept { platform::onFork(platform::ForkLayer::log, before, inParent, inChild); }
 
-    static void lock() noexcept {
+    static void before() noexcept {
         held = LoggerFactoryImpl::existing.load(std::memory_order_acquire);
         if (held != nullptr) held->lock();
+        lockChannels();
     }
-    static void unlock() noexcept {
+    static void inParent() noexcept {
+        unlockChannels();
+        if (held != nullptr) held->unlock();
+    }
+    static void inChild() noexcept {
+        unlockChannelsOfChild();
         if (held != nullptr) held->unlock();
     }
     static inline constinit LoggerFactoryImpl * held = nullptr;

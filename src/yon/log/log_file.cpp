@@ -25,36 +25,23 @@ std::string reason(int error) { return "(" + std::to_string(error) + ") " + plat
 
 }  // namespace
 
-/// What is to be told when the locks are released. Texts that find no memory are not told.
-class LogFile::Trouble {
-public:
-    void failedWrite(String const & name, int error) noexcept try {
-        error_ = "log file " + name + " cannot be written: " + reason(error) +
-                 "; its lines are lost until this is mended\n";
-    } catch (std::bad_alloc const &) {
-    }
-    void failedMove(String const & backup, int error) noexcept try {
-        backup_ = backup;
-        moveError_ = error;
-    } catch (std::bad_alloc const &) {
-    }
-    void tell() const noexcept try {
-        if (moveError_ != 0) tellFailedMove(backup_, moveError_);
-        if (!error_.empty()) std::fputs(error_.c_str(), stderr);
-    } catch (std::bad_alloc const &) {
-    }
+void LogTrouble::failedWrite(String const & name, int error) noexcept try {
+    forErrors_ +=
+        "log file " + name + " cannot be written: " + reason(error) + "; its lines are lost until this is mended\n";
+} catch (std::bad_alloc const &) {
+}
 
-private:
-    std::string error_;
-    String backup_;
-    int moveError_ = 0;
-};
+void LogTrouble::failedMove(String const & backup, int error) noexcept try {
+    forConsole_ += "rename log file to " + backup + " failure: " + reason(error) + "\n";
+} catch (std::bad_alloc const &) {
+}
+
+void LogTrouble::tell() const noexcept {
+    if (!forConsole_.empty()) console::print(forConsole_);
+    if (!forErrors_.empty()) std::fputs(forErrors_.c_str(), stderr);
+}
 
 String backupName(String const & name) { return name + ".bak"; }
-
-void tellFailedMove(String const & backup, int error) {
-    console::print("rename log file to " + backup + " failure: " + reason(error) + "\n");
-}
 
 bool takes(ulonglong size, ulonglong n, ulonglong maxSize) noexcept { return size <= maxSize - std::min(n, maxSize); }
 
@@ -63,14 +50,16 @@ void LogFile::append(istr line, Limits const & limits) noexcept {
     if (level == Level::low) return;
     // One thread waits for the file to write a full cache, whatever is in it by then; the others go on.
     if (writerComes_.exchange(true, std::memory_order_acq_rel) && level == Level::full) return;
-    settle(everything);
+    LogTrouble trouble;
+    settle(everything, trouble);
+    trouble.tell();
 }
 
 LogFile::Level LogFile::add(istr line, Limits const & limits) noexcept try {
     PatientGuard const guard(cacheLock_);
     if (!guard.owns()) throw std::bad_alloc();
     front_.append(line);
-    appended_.fetch_add(1, std::memory_order_release);
+    appended_.store(appended_.load(std::memory_order_relaxed) + 1, std::memory_order_release);
     bool full = front_.lines() >= limits.lines;
     if (!full) {
         running_ += line.size();
@@ -90,24 +79,26 @@ LogFile::Level LogFile::add(istr line, Limits const & limits) noexcept try {
 }
 
 void LogFile::flush() noexcept {
+    LogTrouble trouble;
+    flush(trouble);
+    trouble.tell();
+}
+
+void LogFile::flush(LogTrouble & trouble) noexcept {
     ulonglong const target = appended_.load(std::memory_order_acquire);
-    if (settled_.load(std::memory_order_acquire) < target) settle(target);
+    if (settled_.load(std::memory_order_acquire) < target) settle(target, trouble);
 }
 
 /// Writes the cache out, unless another thread has written so many lines meanwhile.
-void LogFile::settle(ulonglong target) noexcept {
-    Trouble trouble;
-    {
-        PatientGuard const guard(fileLock_);
-        if (!guard.owns() || settled_.load(std::memory_order_relaxed) >= target) return;
-        ulonglong upTo = 0;
-        if (!takeBatch(upTo)) return;
-        if (wanted_.load(std::memory_order_relaxed)) writeBatch(trouble);
-        back_.clear();
-        back_.shrink();
-        settled_.store(upTo, std::memory_order_release);
-    }
-    trouble.tell();
+void LogFile::settle(ulonglong target, LogTrouble & trouble) noexcept {
+    PatientGuard const guard(fileLock_);
+    if (!guard.owns() || settled_.load(std::memory_order_relaxed) >= target) return;
+    ulonglong upTo = 0;
+    if (!takeBatch(upTo)) return;
+    if (wanted_.load(std::memory_order_relaxed)) writeBatch(trouble);
+    back_.clear();
+    back_.shrink();
+    settled_.store(upTo, std::memory_order_release);
 }
 
 bool LogFile::takeBatch(ulonglong & upTo) noexcept {
@@ -121,7 +112,7 @@ bool LogFile::takeBatch(ulonglong & upTo) noexcept {
     return true;
 }
 
-void LogFile::writeBatch(Trouble & trouble) noexcept {
+void LogFile::writeBatch(LogTrouble & trouble) noexcept {
     if (back_.empty()) return;
     std::size_t const lines = back_.lines();
     std::size_t const written = openFile(trouble) ? writeLines(trouble) : 0;
@@ -132,7 +123,7 @@ void LogFile::writeBatch(Trouble & trouble) noexcept {
 }
 
 /// Returns how many lines are in the file. What stands between two moves of the file is written at once.
-std::size_t LogFile::writeLines(Trouble & trouble) noexcept {
+std::size_t LogFile::writeLines(LogTrouble & trouble) noexcept {
     char const * data = back_.data();
     std::size_t const end = back_.lines();
     bool mayMove = true;
@@ -165,7 +156,7 @@ std::size_t LogFile::keepWhole(std::size_t first, ulonglong start) noexcept {
     return line;
 }
 
-bool LogFile::openFile(Trouble & trouble) noexcept {
+bool LogFile::openFile(LogTrouble & trouble) noexcept {
     int const error = file_.open(name_.c_str());
     if (error == 0) return true;
     failedOpens_.fetch_add(1, std::memory_order_relaxed);
@@ -173,7 +164,7 @@ bool LogFile::openFile(Trouble & trouble) noexcept {
     return false;
 }
 
-bool LogFile::moveAway(Trouble & trouble) noexcept try {
+bool LogFile::moveAway(LogTrouble & trouble) noexcept try {
     file_.close();
     String const backup = backupName(name_);
     int const error = platform::moveFile(name_.c_str(), backup.c_str());
@@ -186,7 +177,9 @@ bool LogFile::moveAway(Trouble & trouble) noexcept try {
 }
 
 void LogFile::rename(istr name) {
-    settle(everything);
+    LogTrouble trouble;
+    settle(everything, trouble);
+    trouble.tell();
     String text = name;
     PatientGuard const guard(fileLock_);
     if (!guard.owns()) return;

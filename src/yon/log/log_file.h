@@ -12,6 +12,18 @@
 
 namespace yon {
 
+/// What is wrong with files, to be told when no lock is held. Texts that find no memory are not told.
+class LogTrouble {
+public:
+    void failedWrite(String const & name, int error) noexcept;
+    void failedMove(String const & backup, int error) noexcept;
+    void tell() const noexcept;
+
+private:
+    std::string forErrors_;
+    std::string forConsole_;
+};
+
 /// Keeps lines until there are enough of them, and appends them to a file that it moves away when it has grown too
 /// large. Any thread may call anything at any time; nothing but `rename` and `pending` raises anything.
 ///
@@ -35,6 +47,8 @@ public:
     void append(istr line, Limits const & limits) noexcept;
     /// Returns when everything that was appended before is in the file, or lost. Does nothing without a name.
     void flush() noexcept;
+    /// The same for those who hold a lock.
+    void flush(LogTrouble & trouble) noexcept;
 
     /// Gives the file another name. What is cached goes to the one before.
     void rename(istr name);
@@ -60,16 +74,15 @@ public:
     void forget() noexcept;
 
 private:
-    class Trouble;
     enum class Level { low, full, flooded };
 
     Level add(istr line, Limits const & limits) noexcept;
-    void settle(ulonglong target) noexcept;
+    void settle(ulonglong target, LogTrouble & trouble) noexcept;
     bool takeBatch(ulonglong & upTo) noexcept;
-    void writeBatch(Trouble & trouble) noexcept;
-    std::size_t writeLines(Trouble & trouble) noexcept;
-    bool openFile(Trouble & trouble) noexcept;
-    bool moveAway(Trouble & trouble) noexcept;
+    void writeBatch(LogTrouble & trouble) noexcept;
+    std::size_t writeLines(LogTrouble & trouble) noexcept;
+    bool openFile(LogTrouble & trouble) noexcept;
+    bool moveAway(LogTrouble & trouble) noexcept;
     std::size_t keepWhole(std::size_t first, ulonglong start) noexcept;
 
     std::atomic<bool> const & wanted_;
@@ -99,8 +112,6 @@ private:
 
 /// Where a file goes that has grown too large.
 String backupName(String const & name);
-/// Says on the console that it could not be moved there.
-void tellFailedMove(String const & backup, int error);
 /// Whether a file of this size takes `n` more bytes.
 bool takes(ulonglong size, ulonglong n, ulonglong maxSize) noexcept;
 

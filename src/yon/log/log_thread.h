@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "yon/log/date_time_text.h"
 #include "yon/log/message_stream.h"
 #include "yon/log/thread_trace.h"
 #include "yon/string/string_buffer.h"
@@ -25,6 +26,8 @@ struct LogThread {
     static constexpr unsigned bufferCount = 4;
     StringBuffer buffers[bufferCount];  ///< for records, by the depth of their nesting
     unsigned bufferDepth = 0;
+
+    DateTimeText dateTime;
 
     detail::MessageStream::Stream * streams = nullptr;  ///< those not in use, a list
 

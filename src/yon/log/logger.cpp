@@ -273,7 +273,11 @@ void logger::renameLargeFile(std::ofstream & file, String const & name, ulong ma
     file.close();
     String const backup = backupName(name);
     int const error = platform::moveFile(name.c_str(), backup.c_str());
-    if (error != 0) tellFailedMove(backup, error);
+    if (error != 0) {
+        LogTrouble trouble;
+        trouble.failedMove(backup, error);
+        trouble.tell();
+    }
     file.clear();
     file.open(name, std::ios::binary | std::ios::app);
 }

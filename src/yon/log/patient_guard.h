@@ -22,8 +22,8 @@ inline bool tryLockFor(detail::SystemLock & lock, std::chrono::milliseconds pati
     return true;
 }
 
-/// Holds a lock if `owns()`: at the end of the process the owner of a lock may be gone for good, so the wait is short
-/// then.
+/// Holds a lock if `owns()`: at the end of the process the owner of a lock may be gone for good, so the wait has an
+/// end then.
 class PatientGuard {
 public:
     explicit PatientGuard(detail::SystemLock & lock) noexcept : lock_(lock), owns_(lock.tryLock() || wait()) {}
@@ -37,8 +37,8 @@ public:
 
 private:
     [[gnu::noinline]] bool wait() noexcept {
-        if (logIsEnding.load(std::memory_order_relaxed) || platform::othersAreGone())
-            return tryLockFor(lock_, std::chrono::milliseconds(500));
+        if (platform::othersAreGone()) return false;
+        if (logIsEnding.load(std::memory_order_relaxed)) return tryLockFor(lock_, std::chrono::seconds(5));
         lock_.lock();
         return true;
     }

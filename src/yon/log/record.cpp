@@ -19,8 +19,11 @@ using diagnostics::Location;
 constexpr char const * at = "\n        AT: ";
 constexpr char const * stackSeparator = "\n            ";
 
-void appendIdentity(StringBuffer & out, ThreadInfo const & thread) {
-    out.append(thread.sCurrDateTime_).append(thread.sThreadId_);
+/// The time is that of this moment: what the thread knows may be some milliseconds old.
+void appendPrefix(StringBuffer & out, ThreadInfo const & thread) {
+    DateTimeText own;
+    LogThread * const mine = LogThread::current();
+    out.append((mine != nullptr ? mine->dateTime : own).at(Time::now())).append(thread.sThreadId_);
 }
 
 /// Builds a record in the thread's buffer and hands it over. Nothing gets out: a record that cannot be made is lost.
@@ -94,11 +97,11 @@ void writeFailure(logger & log, istr title, istr condition, Location const & whe
 
 }  // namespace
 
-void appendHeaderPrefix(StringBuffer & out) { appendIdentity(out, SimpleThread::current()); }
+void appendHeaderPrefix(StringBuffer & out) { appendPrefix(out, SimpleThread::current()); }
 
 void appendHeader(StringBuffer & out, logger const & log, istr tag, EmptyTag emptyTag) {
     ThreadInfo const & thread = SimpleThread::current();
-    appendIdentity(out, thread);
+    appendPrefix(out, thread);
     out.append('[').append(log.idText()).append(']');
     if (!tag.empty() || emptyTag == EmptyTag::shown) out.append('[').append(tag).append(']');
     if (thread.thread_ != nullptr) out.append('{').append(thread.thread_->name()).append('}');

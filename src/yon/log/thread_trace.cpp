@@ -8,6 +8,7 @@
 #include "yon/mt/lock.h"
 #include "yon/mt/map.h"
 #include "yon/mt/thread_id.h"
+#include "yon/platform/fork.h"
 #include "yon/util/singleton_T.h"
 
 namespace yon {
@@ -19,9 +20,30 @@ using CallStacks = mt::map<ThreadId, CallStack>;
 /// Counts how often all stacks were deleted, so that no thread uses its own one any more.
 constinit std::atomic<unsigned> generation{0};
 
+/// The map while there is one.
+constinit std::atomic<CallStacks *> existingStacks{nullptr};
+
 CallStacks & callStacks() {
-    return *Singleton_T<CallStacks>::instance("src/yon/log/log_tracer", __LINE__, "yon::g__tssCallStack");
+    CallStacks * const stacks =
+        Singleton_T<CallStacks>::instance("src/yon/log/log_tracer", __LINE__, "yon::g__tssCallStack");
+    existingStacks.store(stacks, std::memory_order_release);
+    return *stacks;
 }
+
+void lockStacks() noexcept {
+    if (CallStacks const * const stacks = existingStacks.load(std::memory_order_acquire)) stacks->lock();
+}
+void unlockStacks() noexcept {
+    if (CallStacks const * const stacks = existingStacks.load(std::memory_order_acquire)) stacks->unlock();
+}
+void becomeChild() noexcept {
+    unlockStacks();
+    LogThread const * const thread = LogThread::existing();
+    TraceMirror::keepOnly(thread != nullptr && thread->trace != nullptr ? &thread->trace->mirror() : nullptr);
+}
+
+[[maybe_unused]] bool const survivesFork =
+    (platform::onFork(platform::ForkLayer::log, lockStacks, unlockStacks, becomeChild), true);
 
 }  // namespace
 
@@ -134,6 +156,7 @@ void ThreadTrace::remove() noexcept {
 
 void ThreadTrace::destroyAll() {
     generation.fetch_add(1, std::memory_order_acq_rel);
+    existingStacks.store(nullptr, std::memory_order_release);
     Singleton_T<CallStacks>::destroy();
 }
 

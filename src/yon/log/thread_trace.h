@@ -35,6 +35,8 @@ public:
     /// Removes it from the map.
     void remove() noexcept;
 
+    TraceMirror & mirror() noexcept { return mirror_; }
+
     /// The stack of the calling thread with all calls, also without memory for the rest of this.
     static CallStack & currentStack();
     /// Deletes the stacks of all threads.

@@ -5,14 +5,10 @@
 
 #include "yon/mt/simple_thread.h"
 #include "yon/mt/thread_id.h"
-#include "yon/platform/fork.h"
 
 namespace yon {
 
 constinit std::atomic<TraceMirror *> TraceMirror::first_{nullptr};
-unsigned TraceMirror::forking_ = 0;
-bool const TraceMirror::survivesFork_ =
-    (platform::onFork(platform::ForkLayer::log, beforeFork, nullptr, inChild), true);
 
 TraceMirror * TraceMirror::claim() noexcept {
     TraceMirror * m = first_.load(std::memory_order_acquire);
@@ -35,16 +31,11 @@ void TraceMirror::release() noexcept {
     taken_.store(false, std::memory_order_release);
 }
 
-void TraceMirror::beforeFork() noexcept { forking_ = ThreadId::current(); }
-
-void TraceMirror::inChild() noexcept {
-    for (TraceMirror * m = first_.load(std::memory_order_relaxed); m != nullptr; m = m->next_) {
-        if (m->threadId() == forking_) {
-            m->threadId_.store(ThreadId::current(), std::memory_order_relaxed);
-        } else {
-            m->release();
-        }
+void TraceMirror::keepOnly(TraceMirror * mine) noexcept {
+    for (TraceMirror * m = first_.load(std::memory_order_acquire); m != nullptr; m = m->next_) {
+        if (m != mine) m->release();
     }
+    if (mine != nullptr) mine->threadId_.store(ThreadId::current(), std::memory_order_release);
 }
 
 bool TraceMirror::takeName() noexcept {

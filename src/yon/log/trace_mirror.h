@@ -18,6 +18,8 @@ public:
     static TraceMirror * claim() noexcept;
     /// The thread ends.
     void release() noexcept;
+    /// In a child process, where the calling thread is the only one: frees all others, and gives this one its new id.
+    static void keepOnly(TraceMirror * mine) noexcept;
     /// Notes the name of the calling thread, which a library thread has once it runs. Returns whether it has one.
     bool takeName() noexcept;
 
@@ -54,12 +56,6 @@ private:
         std::atomic<char const *> func{nullptr};
     };
     static constexpr auto relaxed = std::memory_order_relaxed;
-
-    // The child of a fork has one thread, with a new id.
-    static void beforeFork() noexcept;
-    static void inChild() noexcept;
-    static bool const survivesFork_;
-    static unsigned forking_;
 
     static constinit std::atomic<TraceMirror *> first_;
 
