@@ -10,6 +10,7 @@
 
 #include "yon/base/bytes.h"
 #include "yon/base/located_new.h"
+#include "yon/log/dumper.h"
 
 namespace yon {
 namespace {
@@ -106,6 +107,28 @@ TEST_F(LeakChecker, ReportsByPlaceMostBytesFirst) {
     std::ostringstream none;
     Checker::report(none);
     EXPECT_EQ(none.str(), "total: 0 blocks, 0 bytes\n");
+}
+
+TEST_F(LeakChecker, ShowsGrowth) {
+    Checker::push(block(8), "same", 1, "f", 10);
+    Checker::push(block(16), "gone", 1, "f", 10);
+    Checker::push(block(24), "more", 1, "f", 10);
+    std::vector<MLC_Entry> const before = Checker::snapshot();
+    EXPECT_TRUE(Checker::since(before).empty());
+    Checker::pop(block(16));
+    Checker::push(block(32), "more", 1, "f", 5);
+    Checker::push(block(40), "more", 1, "f", 5);
+    Checker::push(block(48), "new", 2, "f", 70);
+    Checker::pop(block(8));
+    Checker::push(block(56), "same", 1, "f", 11);  // one byte more
+    std::ostringstream grown;
+    dumper d(grown, true);
+    for (MLC_Entry const & e : Checker::since(before)) d << e;
+    EXPECT_EQ(grown.str(), "{\"new\", 2, \"f\", 1, 70}{\"more\", 1, \"f\", 2, 10}{\"same\", 1, \"f\", 0, 1}");
+    std::ostringstream all;
+    dumper to(all, true);
+    Checker::dump(to);
+    EXPECT_TRUE(all.str().starts_with("{true, 5, 101, 0, {\"new\", 2, \"f\", 1, 70}, {")) << all.str();
 }
 
 struct Left {

@@ -34,6 +34,10 @@ constinit HookEntry hooks[16];
 constinit std::atomic<std::size_t> hookCount{0};
 constinit std::atomic<std::terminate_handler> earlierTerminate{nullptr};
 constinit char program[1024] = "";
+// Not on the stack, of which there may be little left.
+constinit CrashWriter reportWriter([](char const * data, std::size_t size) noexcept {
+    platform::writeCrashFile(data, size);
+});
 
 [[maybe_unused]] bool const survivesFork =
     (platform::onFork(platform::ForkLayer::log, nullptr, nullptr, platform::leaveCrashFile), true);
@@ -111,20 +115,29 @@ void writeException(CrashWriter & out) noexcept {
 
 enum class Origin { system, terminate };
 
-void writeReport(platform::CrashCause const & cause, Origin origin, unsigned thread) noexcept {
-    CrashWriter out([](char const * data, std::size_t size) noexcept { platform::writeCrashFile(data, size); });
+/// Signals are known by small numbers, exceptions of Windows by hexadecimal ones.
+void writeCode(CrashWriter & out, unsigned code) noexcept {
+    if (code < 0x100) {
+        out.number("code", code);
+    } else {
+        out.hex("code", code);
+    }
+}
+
+void writeReport(platform::CrashCause const & cause, Origin origin) noexcept {
+    CrashWriter & out = reportWriter;
     out.open("crash");
     out.text("reason", cause.name);
-    if (origin == Origin::system) out.hex("code", cause.code);
+    if (origin == Origin::system) writeCode(out, cause.code);
     if (cause.located) out.hex("address", cause.address);
     out.time("time", platform::wallMicroseconds());
     out.text("version", YON_VERSION_TEXT);
     out.text("program", program);
     out.number("process", platform::currentProcessId());
-    out.number("thread", thread);
+    out.number("thread", cause.thread);
     if (origin == Origin::terminate) writeException(out);
     out.flush();
-    writeThreads(out, thread);
+    writeThreads(out, cause.thread);
     out.close();
     out.flush();
 }
@@ -137,15 +150,14 @@ void callHooks() noexcept {
 
 /// Returns whether the earlier handlers are to be called.
 bool handle(platform::CrashCause const & cause, Origin origin) noexcept {
-    unsigned const self = platform::currentThreadId();
     unsigned first = 0;
-    if (!reporter.compare_exchange_strong(first, self)) {
+    if (!reporter.compare_exchange_strong(first, cause.thread)) {
         // `std::terminate` ends in `abort`, and an earlier handler may do so.
-        if (first == self) return reported.load(std::memory_order_relaxed);
+        if (first == cause.thread) return reported.load(std::memory_order_relaxed);
         for (unsigned waited = 0; waited < patience; waited += step) platform::pauseInCrash(step);
         return false;
     }
-    writeReport(cause, origin, self);
+    writeReport(cause, origin);
     emergencyFlush();
     callHooks();
     reported.store(true, std::memory_order_relaxed);
@@ -155,7 +167,7 @@ bool handle(platform::CrashCause const & cause, Origin origin) noexcept {
 bool onSystemCrash(platform::CrashCause const & cause) noexcept { return handle(cause, Origin::system); }
 
 [[noreturn]] void onTerminate() noexcept {
-    bool const wanted = handle({"std::terminate", 0, false, 0}, Origin::terminate);
+    bool const wanted = handle({"std::terminate", 0, false, 0, platform::currentThreadId()}, Origin::terminate);
     std::terminate_handler const earlier = earlierTerminate.load(std::memory_order_acquire);
     if (wanted && earlier != nullptr) earlier();
     std::abort();
@@ -175,9 +187,6 @@ bool CrashReport::install(istr filename) {
     // Stays with the thread for as long as it lives.
     static thread_local platform::AlternateStack const stack;
     static_cast<void>(&stack);
-    // What it prepares on first use takes a lock.
-    platform::currentThreadId();
-
     std::string const path = platform::programPath();
     program[path.copy(program, sizeof program - 1)] = '\0';
     int const error = platform::prepareCrashFile(filename.empty() ? defaultName() : String(filename));

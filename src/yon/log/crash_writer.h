@@ -15,7 +15,7 @@ class CrashWriter {
 public:
     using Output = void (*)(char const * data, std::size_t size) noexcept;
 
-    explicit CrashWriter(Output output) noexcept : output_(output) {}
+    constexpr explicit CrashWriter(Output output) noexcept : output_(output) {}
     CrashWriter(CrashWriter const &) = delete;
     CrashWriter & operator=(CrashWriter const &) = delete;
 
@@ -45,7 +45,7 @@ private:
     Output output_;
     unsigned depth_ = 0;
     std::size_t used_ = 0;
-    char buffer_[2048];
+    char buffer_[2048] = {};
 };
 
 }  // namespace yon

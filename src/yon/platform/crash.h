@@ -13,13 +13,14 @@ struct CrashCause {
     unsigned code;        ///< the number of the signal, or the code of the exception
     bool located;         ///< whether `address` means anything
     std::size_t address;  ///< what was accessed, or where the fault is
+    unsigned thread;      ///< which crashes; not always the one that calls the handler
 };
 
 /// Returns whether the earlier handlers are to be called before the process ends.
 using CrashHandler = bool (*)(CrashCause const & cause) noexcept;
 
-/// Calls the handler in the thread that crashes, perhaps in several threads at once, and then lets happen what would
-/// have happened without it: the earlier handlers and the default action of the system, with its exit status and core
+/// Calls the handler when a thread crashes, perhaps for several threads at once, and then lets happen what would have
+/// happened without it: the earlier handlers and the default action of the system, with its exit status and core
 /// dump. A crash within the handler ends the process or calls it again. What the process ignores stays ignored. The
 /// handler calls only what is safe in a signal handler. One thread at a time.
 void watchCrashes(CrashHandler handler) noexcept;

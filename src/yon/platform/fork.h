@@ -4,8 +4,8 @@
 namespace yon::platform {
 
 /// The layers whose locks are taken before a fork, in this order: what may be waited for while another lock is held
-/// comes after it, as the locks of a logger come after that of the map of loggers.
-enum class ForkLayer { loggers, log, timer, mt, data, base };
+/// comes after it.
+enum class ForkLayer { log, timer, mt, data, base };
 
 using ForkHook = void (*)() noexcept;
 

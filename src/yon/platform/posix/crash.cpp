@@ -8,7 +8,8 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
-#include <iterator>
+
+#include "yon/platform/locks.h"
 
 namespace yon::platform {
 
@@ -37,8 +38,8 @@ Watched & watchedBy(int number) noexcept {
 CrashCause causeOf(int number, siginfo_t const & info) noexcept {
     // Signals that somebody has sent come with no address.
     bool const located = info.si_code > 0 && number != SIGABRT;
-    return {watchedBy(number).name, static_cast<unsigned>(number), located,
-            located ? reinterpret_cast<std::size_t>(info.si_addr) : 0};
+    std::size_t const address = located ? reinterpret_cast<std::size_t>(info.si_addr) : 0;
+    return {watchedBy(number).name, static_cast<unsigned>(number), located, address, currentThreadId()};
 }
 
 void callEarlier(int number, siginfo_t * info, void * context) {

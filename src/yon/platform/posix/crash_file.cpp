@@ -51,8 +51,15 @@ bool setName(std::string const & name) noexcept {
     return true;
 }
 
+/// Whether a new file may take the place of what has the name now: of a device it may not.
+bool replaceable() noexcept {
+    struct stat status;
+    return ::lstat(fileName, &status) != 0 || S_ISREG(status.st_mode);
+}
+
 /// A file without a name in the directory where the named one is to be.
 int openNameless() noexcept {
+    if (!replaceable()) return none;
     char * const end = std::strrchr(fileName, '/') + 1;
     char const first = *end;
     *end = '\0';
@@ -61,7 +68,7 @@ int openNameless() noexcept {
     return fd;
 }
 
-/// What can be done on a file system without nameless files: to see whether the file can be made.
+/// What can be done where there is no nameless file: to see whether the named one can be opened.
 int tryOut() noexcept {
     bool const existed = ::access(fileName, F_OK) == 0;
     int const fd = ::open(fileName, O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, permissions);
@@ -82,7 +89,7 @@ bool link() noexcept {
 
 void appear() noexcept {
     visible = true;
-    if (file != none && link()) return;
+    if (file != none && replaceable() && link()) return;
     if (file != none) ::close(file);
     file = ::open(fileName, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY, permissions);
 }

@@ -12,7 +12,7 @@ namespace {
 
 struct Hooks {
     std::atomic<bool> ready{false};
-    ForkLayer layer = ForkLayer::loggers;
+    ForkLayer layer = ForkLayer::log;
     ForkHook prepare = nullptr;
     ForkHook parent = nullptr;
     ForkHook child = nullptr;
@@ -31,12 +31,12 @@ void callAll(ForkLayer layer, ForkHook Hooks::*which) noexcept {
 }
 
 void prepareAll() {
-    for (int layer = static_cast<int>(ForkLayer::loggers); layer <= static_cast<int>(ForkLayer::base); ++layer)
+    for (int layer = static_cast<int>(ForkLayer::log); layer <= static_cast<int>(ForkLayer::base); ++layer)
         callAll(static_cast<ForkLayer>(layer), &Hooks::prepare);
 }
 
 void resumeAll(ForkHook Hooks::*which) noexcept {
-    for (int layer = static_cast<int>(ForkLayer::base); layer >= static_cast<int>(ForkLayer::loggers); --layer)
+    for (int layer = static_cast<int>(ForkLayer::base); layer >= static_cast<int>(ForkLayer::log); --layer)
         callAll(static_cast<ForkLayer>(layer), which);
 }
 

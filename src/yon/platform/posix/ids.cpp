@@ -1,8 +1,6 @@
-#include <pthread.h>
 #include <unistd.h>
 
-#include <atomic>
-
+#include "yon/platform/fork.h"
 #include "yon/platform/locks.h"
 
 namespace yon::platform {
@@ -12,11 +10,10 @@ namespace {
 // Small enough for the room that the system keeps for libraries loaded later.
 [[gnu::tls_model("initial-exec")]] thread_local unsigned cachedId = 0;
 
-[[gnu::noinline]] unsigned askForId() noexcept {
-    static std::atomic<bool> watchesForks{false};
-    if (!watchesForks.exchange(true)) pthread_atfork(nullptr, nullptr, [] { cachedId = 0; });
-    return cachedId = static_cast<unsigned>(::gettid());
-}
+void forgetId() noexcept { cachedId = 0; }
+[[maybe_unused]] bool const survivesFork = (onFork(ForkLayer::base, nullptr, nullptr, forgetId), true);
+
+[[gnu::noinline]] unsigned askForId() noexcept { return cachedId = static_cast<unsigned>(::gettid()); }
 
 }  // namespace
 

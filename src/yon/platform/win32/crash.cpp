@@ -4,6 +4,9 @@
 #include <windows.h>
 
 #include <atomic>
+#include <utility>
+
+#include "yon/platform/process_end.h"
 
 namespace yon::platform {
 
@@ -56,12 +59,66 @@ CrashCause causeOf(EXCEPTION_RECORD const & record) noexcept {
     bool const access = record.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && record.NumberParameters >= 2;
     std::size_t const address = access ? static_cast<std::size_t>(record.ExceptionInformation[1])
                                        : reinterpret_cast<std::size_t>(record.ExceptionAddress);
-    return {name, record.ExceptionCode, true, address};
+    return {name, record.ExceptionCode, true, address, ::GetCurrentThreadId()};
 }
 
+/// A thread that waits for another one to use up its stack, of which hardly anything is left for a handler then.
+class Helper {
+public:
+    void start() noexcept {
+        if (thread_ != nullptr) return;
+        wake_ = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        done_ = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        thread_ = ::CreateThread(nullptr, 64 << 10, run, this, STACK_SIZE_PARAM_IS_A_RESERVATION, &id_);
+    }
+    void stop() noexcept {
+        if (thread_ == nullptr) return;
+        cause_ = nullptr;
+        ::SetEvent(wake_);
+        ::WaitForSingleObject(thread_, INFINITE);
+        for (HANDLE * h : {&thread_, &wake_, &done_}) ::CloseHandle(std::exchange(*h, nullptr));
+        id_ = 0;
+    }
+
+    bool isThisThread() const noexcept { return id_ == ::GetCurrentThreadId(); }
+
+    /// Calls the handler, for one thread in the life of the process; the others may do it themselves.
+    bool handle(CrashCause const & cause) noexcept {
+        if (thread_ == nullptr || taken_.exchange(true) || othersAreGone())
+            return handler.load(std::memory_order_acquire)(cause);
+        cause_ = &cause;
+        ::SetEvent(wake_);
+        return ::WaitForSingleObject(done_, patience) == WAIT_OBJECT_0 && wanted_;
+    }
+
+private:
+    static constexpr DWORD patience = 30000;
+
+    static DWORD WINAPI run(void * self) {
+        Helper & helper = *static_cast<Helper *>(self);
+        ::WaitForSingleObject(helper.wake_, INFINITE);
+        if (helper.cause_ == nullptr) return 0;
+        helper.wanted_ = handler.load(std::memory_order_acquire)(*helper.cause_);
+        ::SetEvent(helper.done_);
+        return 0;
+    }
+
+    HANDLE wake_ = nullptr;
+    HANDLE done_ = nullptr;
+    HANDLE thread_ = nullptr;
+    DWORD id_ = 0;
+    std::atomic<bool> taken_{false};
+    CrashCause const * cause_ = nullptr;
+    bool wanted_ = false;
+};
+
+constinit Helper helper;
+
 LONG WINAPI onException(EXCEPTION_POINTERS * exception) {
+    if (helper.isThisThread()) return EXCEPTION_CONTINUE_SEARCH;
     CrashHandler const h = handler.load(std::memory_order_acquire);
-    bool const wanted = h == nullptr || h(causeOf(*exception->ExceptionRecord));
+    CrashCause const cause = causeOf(*exception->ExceptionRecord);
+    bool const wanted = h == nullptr || (cause.code == EXCEPTION_STACK_OVERFLOW ? helper.handle(cause) : h(cause));
     LPTOP_LEVEL_EXCEPTION_FILTER const earlier = earlierFilter.load(std::memory_order_acquire);
     return wanted && earlier != nullptr ? earlier(exception) : EXCEPTION_CONTINUE_SEARCH;
 }
@@ -69,7 +126,8 @@ LONG WINAPI onException(EXCEPTION_POINTERS * exception) {
 /// The C library has put the default action back, and ends the process when this returns.
 void __cdecl onAbort(int number) {
     CrashHandler const h = handler.load(std::memory_order_acquire);
-    bool const wanted = h == nullptr || h({"SIGABRT", static_cast<unsigned>(number), false, 0});
+    bool const wanted =
+        h == nullptr || h({"SIGABRT", static_cast<unsigned>(number), false, 0, ::GetCurrentThreadId()});
     Signal const earlier = earlierAbort.load(std::memory_order_acquire);
     if (wanted && earlier != SIG_DFL && earlier != SIG_IGN) earlier(number);
 }
@@ -78,6 +136,7 @@ void __cdecl onAbort(int number) {
 
 void watchCrashes(CrashHandler h) noexcept {
     handler.store(h, std::memory_order_release);
+    helper.start();
     LPTOP_LEVEL_EXCEPTION_FILTER const filter = ::SetUnhandledExceptionFilter(onException);
     if (filter != onException) earlierFilter.store(filter, std::memory_order_release);
     Signal const onAbortBefore = ::signal(SIGABRT, onAbort);
@@ -93,6 +152,7 @@ void unwatchCrashes() noexcept {
     if (filter != onException) ::SetUnhandledExceptionFilter(filter);
     Signal const onAbortNow = ::signal(SIGABRT, earlierAbort.load());
     if (onAbortNow != onAbort) ::signal(SIGABRT, onAbortNow);
+    helper.stop();
     handler.store(nullptr, std::memory_order_release);
 }
 

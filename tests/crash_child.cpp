@@ -1,0 +1,141 @@
+// Ends in the way that its last argument names: for the tests of reports on crashes and leaks. Before that: "bare"
+// ends without a crash report, "earlier" has handlers of its own, "nolog" has no log file.
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <string>
+#include <thread>
+
+#include "yon/log/crash_report.h"
+#include "yon/log/logger_factory.h"
+#include "yon/log/macros.h"
+#include "yon/mt/simple_thread.h"
+
+namespace {
+
+yon::logger & log() { return yon::logger_factory::yon(); }
+
+void say(char const * text) {
+    static std::FILE * const file = std::fopen("said", "wb");
+    std::fputs(text, file);
+    std::fflush(file);
+}
+
+void write() { *reinterpret_cast<char volatile *>(std::strtoul("16", nullptr, 10)) = 1; }
+
+[[gnu::no_sanitize("undefined")]] void divide() {
+    static int volatile zero = 0;
+    zero = 100 / zero;
+}
+
+int overflow(int volatile * above) {
+    int volatile room[64] = {*above + 1};
+    return *above < 0 ? 0 : overflow(room) + room[0];
+}
+
+class Worker : public yon::SimpleThread {
+public:
+    explicit Worker(void (*work)()) : SimpleThread(nullptr, "worker"), work_(work) {}
+
+private:
+    void onWork() override {
+        YON_TRACE(log());
+        work_();
+        livingEnd();
+    }
+    void (*const work_)();
+};
+
+Worker & start(void (*work)()) {
+    Worker * const worker = new Worker(work);
+    worker->start();
+    return *worker;
+}
+
+void crashTogether() {
+    static std::atomic<int> missing{4};
+    auto const crash = [] {
+        for (--missing; missing != 0;) std::this_thread::yield();
+        write();
+    };
+    for (int i = 0; i < 3; ++i) start(crash);
+    start(crash).stop();
+}
+
+/// Logs when it is destroyed, and holds a block until then.
+struct Late {
+    ~Late() {
+        YON_LOG_INFO(log(), "from a static destructor");
+        YON_DELETE(block_);
+    }
+    double * block_ = nullptr;
+} late;
+
+void exitLate() {
+    log().mlcOn(true);
+    std::atexit([] { YON_LOG_INFO(log(), "from an exit handler"); });
+    for (int i = 0; i < 3; ++i) {
+        std::thread([] {
+            for (;;) {
+                YON_LOG_DATA(log(), "detached\n");
+                YON_DELETE(YON_NEW(int)());
+            }
+        }).detach();
+    }
+    YON_LOG_INFO(log(), "before the exit");
+    std::exit(0);
+}
+
+void leak() {
+    log().mlcOn(true);
+    late.block_ = YON_NEW(double)();
+    for (int i = 0; i < 3; ++i) static_cast<void>(YON_NEW(int)());
+}
+
+std::map<std::string, std::function<void()>> const ends = {
+    {"none", [] {}},
+    {"write", write},
+    {"divide", divide},
+    {"trap", [] { __builtin_trap(); }},
+    {"abort", [] { std::abort(); }},
+    {"overflow", [] { overflow(new int(0)); }},
+    {"thread", [] { start([] { overflow(new int(0)); }).stop(); }},
+    {"terminate", [] { std::terminate(); }},
+    {"throw", [] { YON_THROW(yon::OutOfRangeException, "it's 5 \\ 4 (or so)"); }},
+    {"int", [] { throw 5; }},
+    {"together", crashTogether},
+    {"nested", [] { yon::CrashReport::onCrash([](void *) noexcept { write(); }, nullptr), write(); }},
+    {"late", exitLate},
+    {"leak", leak},
+};
+
+void end(std::string const & how) {
+    YON_TRACE(log());
+    // The number of a signal, or a name.
+    if (int const number = std::atoi(how.c_str()); number != 0) {
+        std::raise(number);
+    } else {
+        ends.at(how)();
+    }
+}
+
+}  // namespace
+
+int main(int argc, char ** argv) {
+    say("");
+    YON_TRACE(log());
+    std::string const before = argc > 2 ? argv[1] : "";
+    if (before != "nolog") log().filename("child.log");
+    log().write("cached\n");
+    if (before == "earlier") {
+        std::signal(SIGSEGV, [](int) { say("earlier signal\n"); });
+        std::set_terminate([] { say("earlier terminate\n"), std::abort(); });
+    }
+    yon::CrashReport::onCrash([](void * text) noexcept { say(static_cast<char const *>(text)); },
+                              const_cast<char *>("hook\n"));
+    if (before != "bare" && !yon::CrashReport::install("report.pml")) return 99;
+    end(argv[argc - 1]);
+}

@@ -1,0 +1,162 @@
+// Crash reports and leak reports, by a program that ends in many ways.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "file_testing.h"
+#include "yon/pml/file.h"
+#include "yon/pml/pml_parser.h"
+
+namespace yon {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr bool windows = YON_ON_WINDOWS;
+
+/// Runs the program in a directory of its own, and keeps what it leaves there.
+class Crash : public testing::Test {
+protected:
+    Crash() { fs::current_path(directory_.file("")); }
+    ~Crash() override { fs::current_path(home_); }
+
+    /// The exit status, or 128 and the number of the signal.
+    int run(std::string const & arguments) {
+        fs::remove("child.log");
+        // A shell of its own says nothing of signals on the error output.
+        std::string const end = windows ? "" : "; exit $?";
+        int const status = std::system((program_ + ' ' + arguments + " > out 2> err" + end).c_str());
+        return !windows && status > 255 ? status / 256 : status;
+    }
+
+    bool readReport() { return fs::exists("report.pml") && pml::ntvFromPml(report_, pml::File("report.pml")); }
+    /// A text in the report; empty when it is not there.
+    std::string text(char const * path) const {
+        std::string found;
+        if (pml::Unit const * const unit = report_.find(istr(path))) *unit >> found;
+        return found;
+    }
+    std::vector<std::string> crashedThread() const {
+        std::vector<std::string> calls;
+        for (ulong i = 0; pml::Unit const * const thread = report_["threads"].at(i); ++i) {
+            if (thread->at(istr("crashed")) == nullptr) continue;
+            for (ulong n = 0; pml::Unit const * const call = (*thread)["stack"].at(n); ++n)
+                *call >> calls.emplace_back();
+        }
+        return calls;
+    }
+
+    fs::path const home_ = fs::current_path();
+    // No blanks are in it, so that no shell needs quotes.
+    std::string const program_ = fs::absolute(YON_CRASH_CHILD).make_preferred().string();
+    TemporaryDirectory const directory_{"crash"};
+    pml::Unit report_;
+};
+
+bool contains(std::string const & text, std::string const & part) { return text.find(part) != text.npos; }
+
+TEST_F(Crash, EndsAsWithoutAReportAndLeavesOne) {
+    constexpr struct {
+        char const * how;
+        char const * signal;
+        char const * exception;
+    } rows[] = {
+        {"write", "SIGSEGV", "EXCEPTION_ACCESS_VIOLATION"},
+        {"divide", "SIGFPE", "EXCEPTION_INT_DIVIDE_BY_ZERO"},
+        {"trap", "SIGILL", "EXCEPTION_ILLEGAL_INSTRUCTION"},
+        {"abort", "SIGABRT", "SIGABRT"},
+        {"overflow", "SIGSEGV", "EXCEPTION_STACK_OVERFLOW"},
+        {"thread", "SIGSEGV", "EXCEPTION_STACK_OVERFLOW"},
+        {"together", "SIGSEGV", "EXCEPTION_ACCESS_VIOLATION"},
+        {"nested", "SIGSEGV", "EXCEPTION_ACCESS_VIOLATION"},
+        {"terminate", "std::terminate", "std::terminate"},
+        {"throw", "std::terminate", "std::terminate"},
+        {"int", "std::terminate", "std::terminate"},
+        {"7", "SIGBUS", nullptr},
+        {"11", "SIGSEGV", nullptr},
+    };
+    for (auto const & row : rows) {
+        if (windows && row.exception == nullptr) continue;
+        SCOPED_TRACE(row.how);
+        int const bare = run(std::string("bare ") + row.how);
+        ASSERT_FALSE(fs::exists("report.pml"));
+        EXPECT_EQ(contentOf("said"), "");
+        EXPECT_EQ(run(row.how), bare);
+        if (!windows) EXPECT_GT(bare, 128);
+        EXPECT_EQ(contentOf("said"), "hook\n");
+        EXPECT_TRUE(contentOf("child.log").starts_with("cached\n"));
+        ASSERT_TRUE(readReport()) << contentOf("report.pml");
+        EXPECT_EQ(text("reason"), windows ? row.exception : row.signal);
+        bool const inThread = row.how == std::string("thread") || row.how == std::string("together");
+        std::vector<std::string> const calls = crashedThread();
+        ASSERT_GE(calls.size(), 2u) << contentOf("report.pml");
+        EXPECT_TRUE(calls[0].starts_with(inThread ? "Worker::onWork(tests/crash_child.cpp:" : "end("));
+        fs::remove("report.pml");
+    }
+}
+
+TEST_F(Crash, TellsWhatIsKnown) {
+    run("write");
+    ASSERT_TRUE(readReport());
+    EXPECT_EQ(text("address"), "0x10");
+    EXPECT_TRUE(contains(text("program"), "crash_child")) << text("program");
+    EXPECT_EQ(text("time").size(), std::string("2000-01-01 00:00:00.000 UTC").size());
+    EXPECT_EQ(text("thread"), text("threads/[0]/id"));
+    run("throw");
+    ASSERT_TRUE(readReport());
+    EXPECT_EQ(text("exception/text"), "yon::OutOfRangeException: it's 5 \\ 4 (or so)");
+    EXPECT_TRUE(text("exception/at").ends_with(")")) << text("exception/at");
+    EXPECT_TRUE(text("exception/stack/[0]").starts_with("end("));
+    run("int");
+    ASSERT_TRUE(readReport());
+    EXPECT_EQ(text("exception/type"), "i");
+    run("together");
+    ASSERT_TRUE(readReport());
+    int workers = 0;
+    for (ulong i = 0; pml::Unit const * const thread = report_["threads"].at(i); ++i) {
+        std::string name;
+        (*thread)["name"] >> name;
+        workers += name == "worker";
+    }
+    EXPECT_EQ(workers, 4);
+}
+
+TEST_F(Crash, CallsEarlierHandlers) {
+    run("earlier write");
+    EXPECT_EQ(contentOf("said"), "hook\nearlier signal\n");
+    run("earlier throw");
+    EXPECT_EQ(contentOf("said"), "hook\nearlier terminate\n");
+}
+
+TEST_F(Crash, LeavesOldReportsUntilThereIsANewOne) {
+    EXPECT_EQ(run("none"), 0);
+    EXPECT_FALSE(fs::exists("report.pml"));
+    std::string const old = "older and longer" + std::string(10000, '.');
+    writeFile("report.pml", old);
+    EXPECT_EQ(run("none"), 0);
+    EXPECT_EQ(contentOf("report.pml"), old);
+    run("write");
+    EXPECT_TRUE(readReport());
+    EXPECT_TRUE(contentOf("report.pml").ends_with("\n)\n"));
+}
+
+TEST_F(Crash, LeaksAreReportedAtExit) {
+    for (bool const toFile : {true, false}) {
+        EXPECT_EQ(run(toFile ? "leak" : "nolog leak"), 0);
+        std::string const report = contentOf(toFile ? "child.log" : "err");
+        EXPECT_TRUE(contains(report, "leak: 3 blocks, 12 bytes")) << report;
+        EXPECT_FALSE(contains(report, "leak: 1 blocks, 8 bytes")) << report;
+        EXPECT_TRUE(contains(report, "total: ")) << report;
+        EXPECT_EQ(contentOf(toFile ? "err" : "child.log"), "");
+    }
+}
+
+TEST_F(Crash, LateRecordsDoNotHang) {
+    for (int i = 0; i < 10; ++i) {
+        ASSERT_EQ(run("late"), 0);
+        ASSERT_TRUE(contains(contentOf("child.log"), "before the exit"));
+    }
+}
+
+}  // namespace
+}  // namespace yon

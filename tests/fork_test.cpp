@@ -1,0 +1,97 @@
+// Processes that fork while their threads are busy.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+#include <sstream>
+#include <thread>
+
+#include "file_testing.h"
+#include "yon/base/throw.h"
+#include "yon/log/crash_report.h"
+#include "yon/log/logger_factory.h"
+#include "yon/log/macros.h"
+#include "yon/mt/simple_thread.h"
+#include "yon/pml/file.h"
+#include "yon/pml/pml_parser.h"
+
+namespace yon {
+namespace {
+
+/// The status of a forked process that does this. One that hangs is ended by a signal.
+template <class Work>
+int inChild(Work work, pid_t * id = nullptr) {
+    pid_t const child = ::fork();
+    if (child == 0) {
+        ::alarm(20);
+        work();
+        ::_exit(0);
+    }
+    if (id != nullptr) *id = child;
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    return status;
+}
+
+/// Takes every lock of the library that a fork could catch.
+void useEverything() {
+    YON_TRACE(logger_factory::yon());
+    YON_DELETE(YON_NEW(double)());
+    MemLeakChecker::count();
+    pml::Unit tree;
+    for (ulong i = 0; i < 1000; ++i) tree.addChild("", "1");
+    logger_factory::instance("fork.busy").write("busy\n");
+    try {
+        YON_THROW(OutOfRangeException);
+    } catch (OutOfRangeException const & e) {
+        std::ostringstream() << e;
+    }
+    SimpleThread::current();
+}
+
+TEST(Fork, TheChildFindsEveryLockFree) {
+    TemporaryDirectory const directory("fork");
+    logger_factory::instance("fork.busy").filename(directory.file("busy.log"));
+    MemLeakChecker::enable(true);
+    std::atomic<bool> going{true};
+    std::vector<std::thread> busy;
+    for (int i = 0; i < 3; ++i) {
+        busy.emplace_back([&] {
+            while (going) useEverything();
+        });
+    }
+    for (int i = 0; i < 50; ++i) ASSERT_EQ(inChild(useEverything), 0) << i;
+    going = false;
+    for (std::thread & t : busy) t.join();
+    MemLeakChecker::enable(false);
+    logger_factory::instance("fork.busy").filename("");
+}
+
+TEST(Fork, TheChildReportsItsOwnCrash) {
+    TemporaryDirectory const directory("fork");
+    std::string const name = directory.file("report.pml");
+    ASSERT_TRUE(CrashReport::install(name));
+    YON_TRACE(logger_factory::yon());
+    pid_t id = 0;
+    int const status = inChild([] { std::raise(SIGSEGV); }, &id);
+    CrashReport::uninstall();
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGSEGV) << status;
+    EXPECT_FALSE(std::filesystem::exists(name));
+    pml::Unit report;
+    ASSERT_TRUE(pml::ntvFromPml(report, pml::File(name + "." + std::to_string(id))));
+    ulong process = 0, thread = 0, crashed = 0;
+    report["process"] >> process;
+    report["thread"] >> thread;
+    EXPECT_EQ(process, static_cast<ulong>(id));
+    EXPECT_EQ(thread, process);
+    // The threads of the parent are not there, and this one keeps its calls.
+    ASSERT_EQ(report["threads"].at(1u), nullptr);
+    report["threads"].at(0u)->at(istr("crashed"))->operator>>(crashed);
+    EXPECT_EQ(crashed, 1u);
+    EXPECT_NE(report.find("threads/[0]/stack/[0]"), nullptr);
+}
+
+}  // namespace
+}  // namespace yon
