@@ -46,7 +46,7 @@ void writeText(yon::nbr::OutputStream & out, Unit const & node) {
 
 void writeBytes(yon::nbr::OutputStream & out, Unit const & node) {
     yon::Bytes bytes;
-    if (!(node >> bytes)) throw Fault{"the text is not Base64"};
+    if (!yon::Base64::decode(node.getStringValue(), bytes)) throw Fault{"the text is not Base64"};
     out << bytes;
 }
 
@@ -106,7 +106,7 @@ public:
     void write() {
         if (ListValue const * const values = node_->listValue()) {
             levels_.push_back({values, 0});
-        } else if (node_->value() != nullptr || !node_->type().empty()) {
+        } else if (!node_->valueEmpty() || !node_->type().empty()) {
             writeSingle(out_, *node_);
         }
         while (!levels_.empty()) {

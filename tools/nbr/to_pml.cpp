@@ -4,7 +4,6 @@
 
 #include "nbr_commands.h"
 #include "printed.h"
-#include "yon/string/base64.h"
 #include "yon/util/binary_stream.h"
 
 namespace nbrtool {
@@ -42,7 +41,7 @@ void setItem(Unit & node, Token const & item) {
     } else if (item.data.empty()) {
         node.type("empty");
     } else if (!setNumber(node, item.data)) {
-        node << yon::Bytes(item.data);
+        node << yon::Bytes(item.data);  // as Base64
     }
 }
 
