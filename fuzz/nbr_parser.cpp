@@ -2,7 +2,7 @@
 // read whole; and a tree that is copied, or written and parsed, is the same tree.
 #include <cstdint>
 
-#include "nbr_testing.h"
+#include "nbr_trees.h"
 #include "require.h"
 #include "yon/log/dumper.h"
 #include "yon/nbr/input_stream.h"

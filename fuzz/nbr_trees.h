@@ -1,4 +1,4 @@
-// What the tests and the fuzz targets of nbr share: trees of any depth compared and written.
+// nbr trees of any depth compared and written.
 #pragma once
 
 #include <memory>
