@@ -71,10 +71,7 @@ TEST(NbrTool, DumpShowsOffsetsTagsSizesAndWhatTheBytesMayMean) {
 }
 
 TEST(NbrTool, ConvertsBothWays) {
-    struct {
-        std::string bytes;
-        std::string pml;
-    } const rows[] = {
+    std::pair<std::string, std::string> const rows[] = {
         {"01 01 07", "nbr(:int(7))"},
         {"00 01 00 F1 00", "nbr(:null():empty():text())"},
         {"FF 01 28 FF 01 29", "nbr(:complex())"},
@@ -93,7 +90,7 @@ TEST(NbrTool, ConvertsBothWays) {
         Result const back = nbr({"to-pml", "-"}, made.out);
         EXPECT_EQ(hex(nbr({"from-pml", "-"}, back.out).out), bytes) << back.out;
     }
-    EXPECT_EQ(nbr({"to-pml", "-"}, unhex(rows[3].bytes)).out,
+    EXPECT_EQ(nbr({"to-pml", "-"}, unhex(rows[3].first)).out,
               "nbr(\n    (\n        5(x)\n        5.2(y)\n        ('(\\')')\n        254:int(0)\n    )\n)\n");
     EXPECT_EQ(hex(nbr({"from-pml", "-"},
                       "x(:bool(1):byte(200):ushort(65535):uint(4294967295):double(-2.5):float(1):time(1))")
@@ -103,10 +100,7 @@ TEST(NbrTool, ConvertsBothWays) {
     EXPECT_EQ(nbr({"from-pml", "-"}, "alone(x)").out, unhex("F1 01 78"));
     EXPECT_EQ(nbr({"from-pml", "-"}, "nbr()").out, "");
 
-    struct {
-        char const * pml;
-        char const * fault;
-    } const faults[] = {
+    std::pair<char const *, char const *> const faults[] = {
         {"n((x(1)))", " /[0]/x: \"x\" is no tag: these are 0 to 254"},
         {"n((255(1)))", " /[0]/255: \"255\" is no tag: these are 0 to 254"},
         {"n(5(1))", " /5: only elements of complex values have tags"},
@@ -146,17 +140,14 @@ TEST(NbrTool, TheProgram) {
     // On Windows the command interpreter wants its own slashes.
     std::string const program = fs::relative(YON_NBR_PROGRAM).make_preferred().string();
     std::ofstream("text", std::ios::binary) << "n(('a\r\n\x1A')(:int(10)))";
-    struct {
-        char const * arguments;
-        int status;
-    } const rows[] = {{"from-pml text > bytes", 0},
-                      {"to-pml - < bytes > again", 0},
-                      {"from-pml again > bytes2", 0},
-                      {"check bytes none bytes 2> err", 1},
-                      {"dump 2> err", 2},
-                      {"--version > out", 0},
-                      {"to-pml --help > out", 0},
-                      {"to-pml a b 2> err", 2}};
+    std::pair<char const *, int> const rows[] = {{"from-pml text > bytes", 0},
+                                                 {"to-pml - < bytes > again", 0},
+                                                 {"from-pml again > bytes2", 0},
+                                                 {"check bytes none bytes 2> err", 1},
+                                                 {"dump 2> err", 2},
+                                                 {"--version > out", 0},
+                                                 {"to-pml --help > out", 0},
+                                                 {"to-pml a b 2> err", 2}};
     for (auto const & [arguments, wanted] : rows) {
         int const status = std::system((program + ' ' + arguments).c_str());
         EXPECT_EQ(status > 255 ? status / 256 : status, wanted) << arguments;
