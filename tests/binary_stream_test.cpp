@@ -1,12 +1,27 @@
 // The binary streams: exact bytes, lenient and strict reading, hostile input.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <limits>
 #include <random>
 
 #include "binary_testing.h"
+#include "yon/nbr/input_stream.h"
+#include "yon/nbr/output_stream.h"
 #include "yon/string/unicode.h"
 #include "yon/util/binary_in_stream.h"
 #include "yon/util/binary_out_stream.h"
+
+/// Blocks that were taken from the heap.
+static std::size_t allocations = 0;
+
+void * operator new(std::size_t size) {
+    ++allocations;
+    if (void * const p = std::malloc(size)) return p;
+    throw std::bad_alloc();
+}
+void operator delete(void * p) noexcept { std::free(p); }
+void operator delete(void * p, std::size_t) noexcept { std::free(p); }
 
 namespace yon {
 namespace {
@@ -19,9 +34,37 @@ static_assert(Writes<BinaryOutStream, char *> && Writes<BinaryOutStream, unsigne
 static_assert(!Writes<BinaryOutStream, void *> && !Writes<BinaryOutStream, int *> &&
               !Writes<BinaryOutStream, std::nullptr_t> && !Writes<BinaryOutStream, void (*)()>);
 
+/// Calls `row(value, hex)` for values of every type and the bytes that each stands for, on every target.
+template <class Row>
+void forEachGoldenScalar(Row row) {
+    auto const all = [&](auto value, char const * bytes, auto... others) {
+        row(value, bytes);
+        (row(others, bytes), ...);
+    };
+    all(0, "01 01 00", char(0), 0u, 0l, 0ul, 0ll, 0ull, short(0), ushort(0), 0.0f, 0.0, Time(), false, Bit(false));
+    all(true, "01 01 01", Bit(true), '\1', Char('\1'), static_cast<unsigned char>(1), Byte(1), 1, Time(1));
+    all(127, "01 01 7F", '\x7F', short(127), 127u, 127l, 127ul, 127ll, 127ull, Long(127), Ulonglong(127));
+    all(128, "01 02 80 00", short(128), ushort(128), 128l, 128ul, 128ll, Short(128), Ulong(128));
+    all(static_cast<unsigned char>(200), "01 01 C8", Byte(200));
+    all(255u, "01 02 FF 00", 255, short(255), ushort(255), 255ll);
+    all(-1, "01 04 FF FF FF FF", -1l, Long(-1), 0xFFFFFFFFu, 0xFFFFFFFFul, Ulong(0xFFFFFFFF));
+    all(short(-1), "01 02 FF FF", char(-1), static_cast<signed char>(-1), Short(-1), Char(char(-1)), ushort(0xFFFF));
+    all(-2ll, "01 08 FE FF FF FF FF FF FF FF", Longlong(-2), Time(-2));
+    all(0x8000, "01 03 00 80 00", 0x8000u, 0x8000ll, Ulonglong(0x8000));
+    all(std::numeric_limits<slong>::min(), "01 04 00 00 00 80", static_cast<long>(-2147483647 - 1), 0x80000000u);
+    all(0x123456789ALL, "01 05 9A 78 56 34 12", Time(0x123456789A), Ulonglong(0x123456789A));
+    all(std::numeric_limits<ulonglong>::max(), "01 08 FF FF FF FF FF FF FF FF", -1ll);
+    all(1.0f, "01 04 00 00 80 3F", Float(1.0f));
+    all(-2.5, "01 08 00 00 00 00 00 00 04 C0", Double(-2.5));
+}
+
 TEST(BinaryStreams, ScalarsHaveTheirBytesOnEveryTargetAndComeBack) {
     forEachGoldenScalar([](auto value, char const * bytes) {
         EXPECT_EQ(hex(BinaryOutStream().write(value).str()), bytes);
+        EXPECT_EQ(hex((nbr::OutputStream() << value).str()), bytes);
+        decltype(value) fromTree{};
+        nbr::InputStream(unhex(bytes)).get()->simpleValue()->readStrict(fromTree);
+        EXPECT_TRUE(fromTree == value) << bytes;
         // Short of bytes behind the item, and with some.
         for (std::size_t more : {0, 9}) {
             std::string const input = unhex(bytes) + std::string(more, '\x7F');
@@ -57,14 +100,12 @@ TEST(BinaryStreams, ByteStringsAndText) {
     std::string const utf8 = "z\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80";
     for (ulong size : {0u, 1u, 40u, 127u, 128u, 300u, 0x8000u, 0x800000u}) {
         std::string const text(size, 'x');
-        std::string const head = size < 128        ? hex(istr("\1" + std::string(1, static_cast<char>(size))))
-                                 : size == 128     ? "02 80 00"
-                                 : size == 300     ? "02 2C 01"
-                                 : size == 0x8000u ? "03 00 80 00"
-                                                   : "04 00 00 80 00";
+        // In as few bytes as leave the top bit clear, as any number.
+        char head[8] = {};
+        head[0] = BinaryStream::writeInt(head + 1, size, 4);
         BinaryOutStream out;
         out.write(istr(text)).write(String(text)).write(wstring(text.begin(), text.end())).write(Bytes(text));
-        std::string const item = unhex(head) + text;
+        std::string const item = std::string(head, static_cast<std::size_t>(head[0]) + 1) + text;
         EXPECT_TRUE(out.str() == item + item + item + item) << size;
         String narrow;
         wstring broad;
@@ -77,6 +118,9 @@ TEST(BinaryStreams, ByteStringsAndText) {
         EXPECT_TRUE(in.eof() && view == text && narrow == text && bytes == text) << size;
     }
     BinaryOutStream out;
+    out.write(istr(std::string(300, 'x'))).write(istr(std::string(128, 'x')));
+    EXPECT_EQ(hex(out.str().leftstr(4)) + hex(out.str().substr(303, 4)), "02 2C 01 7802 80 00 78");
+    out.buffer().reset();
     out.write(wide).write("abc").write(static_cast<char const *>(nullptr)).write(istr(utf8));
     EXPECT_EQ(hex(out.str()), "01 0A " + hex(utf8) + " 01 03 61 62 63 01 00 01 0A " + hex(utf8));
     wstring back;
@@ -93,64 +137,81 @@ TEST(BinaryStreams, ByteStringsAndText) {
     EXPECT_EQ(copy.str().size(), before);
 }
 
-TEST(BinaryStreams, WhatIsReadLeniently) {
+TEST(BinaryStreams, WhatIsReadLenientlyAndStrictly) {
+    std::string const at = " src/yon/util/BinaryInStream yon::BinaryInStream::read ";
+    // What a number, a text and a strictly read number give: a value, or why there is none; then what was reported.
     struct {
-        char const * bytes;
-        longlong number;      ///< -1: raises
-        char const * text;    ///< "!": raises
-        char const * notice;  ///< of the number
-        char const * strict;  ///< what readStrict says of the number
+        std::string bytes, number, text, strict;
     } const rows[] = {
-        {"", 0, "", "", "no item"},
-        {"00", 0, "", "", "null item"},
-        {"05", 0, "!", "", "invalid los"},
-        {"01", 0, "", "", "incomplete size"},
-        {"01 00", 0, "", "", "empty number"},
-        {"01 04 41 42 43", 0, "ABC", "uncompleted data size 3, expected 4", "incomplete data"},
-        {"02 01 00 41", -1, "A", "", "invalid los"},
-        {"01 09 41 41 41 41 41 41 41 41 41", -1, "AAAAAAAAA", "", "too wide a number"},
-        {"01 80 41", -1, "A", "", "incomplete data"},
-        {"05 01 41", -1, "!", "", "invalid los"},
-        {"04 FF FF FF FF 41", -1, "A", "", "incomplete data"},
-        {"04 FF FF", -1, "", "", "incomplete size"},
+        {"", "0", "", "no item"},
+        {"00", "0", "", "null item"},
+        {"05", "0", "!invalid los", "invalid los"},
+        {"01", "0", "", "incomplete size"},
+        {"01 00", "0", "", "empty number"},
+        {"01 04 41 42 43", "0 uncompleted data size 3, expected 4", "ABC uncompleted data size 3, expected 4",
+         "incomplete data"},
+        {"02 01 00 41", "!invalid los", "A", "invalid los"},
+        {"01 09 41 41 41 41 41 41 41 41 41", "!invalid size", "AAAAAAAAA", "too wide a number"},
+        {"01 80 41", "!invalid size", "A uncompleted data size 1, expected 128", "incomplete data"},
+        {"05 01 41", "!invalid los", "!invalid los", "invalid los"},
+        {"04 FF FF FF FF 41", "!invalid los", "A uncompleted data size 1, expected 4294967295", "incomplete data"},
+        {"04 FF FF", "!invalid los", " uncompleted data size 0, expected 65535", "incomplete size"},
     };
-    for (auto const & row : rows) {
-        Reports reports;
-        std::string const input = unhex(row.bytes);
-        longlong number = 9;
-        String text("before");
-        BinaryInStream in{input};
-        try {
-            in.read(number);
-            EXPECT_EQ(number, row.number) << row.bytes;
-        } catch (BinaryDecodeException const & e) {
-            EXPECT_EQ(row.number, -1) << row.bytes;
-            EXPECT_EQ(number, 0);
-            std::string const what = input[0] == 1 ? "invalid size" : "invalid los";
-            EXPECT_EQ(e.msg(), "BinaryDecodeException: " + what);
-            EXPECT_EQ(reports.lines.at(0),
-                      std::string("thrown src/yon/util/BinaryInStream yon::BinaryInStream::read ") +
-                          "BinaryDecodeException: " + what);
+    for (auto const & [bytes, number, text, strict] : rows) {
+        std::string const input = unhex(bytes);
+        auto const check = [&](std::string expected, auto read) {
+            Reports reports;
+            BinaryInStream in{input};
+            std::string got;
+            try {
+                got = read(in);
+            } catch (BinaryDecodeException const & e) {
+                EXPECT_EQ(reports.text, "thrown" + at + e.msg());
+                reports.text.clear();
+                got = e.msg();
+            }
+            if (!reports.text.empty()) got += reports.text.substr(("NOTICE" + at).size() - 1);
+            if (expected.starts_with('!')) expected.replace(0, 1, "BinaryDecodeException: ");
+            EXPECT_EQ(got, expected) << bytes;
+        };
+        check(number, [](auto & in) {
+            longlong n = 9;
+            in.read(n);
+            return std::to_string(n);
+        });
+        check(text, [](auto & in) {
+            std::string s = "before";
+            in.read(s);
+            return s;
+        });
+        check("!" + strict, [&](auto & in) {
+            longlong n = 9;
+            try {
+                in.readStrict(n);
+            } catch (BinaryDecodeException const &) {
+                EXPECT_TRUE(n == 9 && in.rest().size() == input.size());
+                throw;
+            }
+            return std::string();
+        });
+    }
+}
+
+TEST(BinaryStreams, WritingAllocatesOnlyWhereTheBufferGrows) {
+    BinaryOutStream out;
+    nbr::OutputStream nbr;
+    String const text = std::string(40, 'x');
+    wstring const wide(40, 'x');
+    for (int round = 0; round < 2; ++round) {
+        out.buffer().reset();
+        nbr.reset();
+        std::size_t const before = allocations;
+        nbr.beginComplex();
+        for (int i = 0; i < 1000; ++i) {
+            out.write(i).write(2.5).write(text).write(wide).write("abc").write(istr(text));
+            nbr.tag(5) << i << 2.5 << text << wide << "abc" << istr(text);
         }
-        if (*row.notice != '\0') {
-            EXPECT_EQ(reports.lines.at(0),
-                      std::string("NOTICE src/yon/util/BinaryInStream yon::BinaryInStream::read ") + row.notice);
-        }
-        try {
-            EXPECT_EQ(in.str(input).read(text).rest().size(), 0u) << row.bytes;
-            EXPECT_EQ(text, row.text) << row.bytes;
-        } catch (BinaryDecodeException const & e) {
-            EXPECT_STREQ(row.text, "!") << e.msg();
-        }
-        try {
-            number = 9;
-            in.str(input).readStrict(number);
-            ADD_FAILURE() << row.bytes;
-        } catch (BinaryDecodeException const & e) {
-            EXPECT_EQ(e.msg(), std::string("BinaryDecodeException: ") + row.strict) << row.bytes;
-            EXPECT_EQ(number, 9);
-            EXPECT_EQ(in.rest().size(), input.size());
-        }
+        EXPECT_TRUE(round == 0 || allocations == before);
     }
 }
 

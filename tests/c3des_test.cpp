@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "binary_testing.h"
 #include "yon/base/exception.h"
 
@@ -10,38 +12,30 @@ namespace yon {
 namespace {
 
 TEST(C3DES, PublishedVectors) {
-    std::string const one = "01 01 01 01 01 01 01 01", example = "01 23 45 67 89 AB CD EF";
-    std::string const three = example + "23 45 67 89 AB CD EF 01 45 67 89 AB CD EF 01 23";
-    auto const thrice = [](std::string const & key) { return key + key + key; };
-    struct {
-        std::string key, vector, text, cipher;
-    } const rows[] = {
-        // The example of the standard for triple DES.
-        {three, "", hex("The qufck brown fox jump"), "A826FD8CE53B855F CCE21C8112256FE6 68D5C05DD9B6B900"},
-        // Known answers: variable plaintext, variable key, permutations, substitution tables.
-        {thrice(one), "", "8000000000000000", "95F8A5E5DD31D900"},
-        {thrice(one), "", "4000000000000000", "DD7F121CA5015619"},
-        {thrice(one), "", "2000000000000000", "2E8653104F3834EA"},
-        {thrice("8001010101010101"), "", "0000000000000000", "95A8D72813DAA94D"},
-        {thrice("4001010101010101"), "", "0000000000000000", "0EEC1487DD8C26D5"},
-        {thrice("1046913489980131"), "", "0000000000000000", "88D55E54F54C97B4"},
-        {thrice("7CA110454A1A6E57"), "", "01A1D6D039776742", "690F5B0D9A26939B"},
-        {thrice("0131D9619DC1376E"), "", "5CD54CA83DEF57DA", "7A389D10354BD271"},
-        // Chained blocks.
-        {thrice(example), "1234567890ABCDEF", hex("Now is the time for all "),
-         "E5C7CDDE872BF27C 43E934008C389C0F 683788499A7C05F6"},
-        {example + example, "1234567890ABCDEF", hex("Now is the time for all "),
-         "E5C7CDDE872BF27C 43E934008C389C0F 683788499A7C05F6"},
-        // Two keys.
-        {example + "FEDCBA9876543210", "", "0123456789ABCDE7", "7F1D0A77826B8AFF"},
+    // "key vector text cipher": the example of the standard; known answers for variable plaintext, variable key,
+    // permutations and substitution tables; chained blocks, and two keys.
+    char const * const rows[] = {
+        "0123456789ABCDEF23456789ABCDEF01456789ABCDEF0123 - 5468652071756663 A826FD8CE53B855F",
+        "010101010101010101010101010101010101010101010101 - 8000000000000000 95F8A5E5DD31D900",
+        "010101010101010101010101010101010101010101010101 - 4000000000000000 DD7F121CA5015619",
+        "800101010101010180010101010101018001010101010101 - 0000000000000000 95A8D72813DAA94D",
+        "400101010101010140010101010101014001010101010101 - 0000000000000000 0EEC1487DD8C26D5",
+        "104691348998013110469134899801311046913489980131 - 0000000000000000 88D55E54F54C97B4",
+        "7CA110454A1A6E577CA110454A1A6E577CA110454A1A6E57 - 01A1D6D039776742 690F5B0D9A26939B",
+        "0131D9619DC1376E0131D9619DC1376E0131D9619DC1376E - 5CD54CA83DEF57DA 7A389D10354BD271",
+        "0123456789ABCDEF0123456789ABCDEF 1234567890ABCDEF "
+        "4E6F77206973207468652074696D6520666F7220616C6C20 E5C7CDDE872BF27C43E934008C389C0F683788499A7C05F6",
+        "0123456789ABCDEFFEDCBA9876543210 - 0123456789ABCDE7 7F1D0A77826B8AFF",
     };
     for (auto const & row : rows) {
-        C3DES const cipher(unhex(row.key), row.vector.empty() ? C3DES::Mode::ECB : C3DES::Mode::CBC,
-                           unhex(row.vector));
-        std::string const text = unhex(row.text);
+        std::istringstream words(row);
+        std::string key, vector, plain, expected;
+        words >> key >> vector >> plain >> expected;
+        C3DES const cipher(unhex(key), vector == "-" ? C3DES::Mode::ECB : C3DES::Mode::CBC, unhex(vector));
+        std::string const text = unhex(plain);
         Bytes const encrypted = cipher.encrypt(text);
         EXPECT_EQ(encrypted.size(), text.size() + C3DES::blockSize);
-        EXPECT_EQ(hex(istr(encrypted, toLength(text.size()))), hex(unhex(row.cipher)));
+        EXPECT_EQ(hex(istr(encrypted, toLength(text.size()))), hex(unhex(expected)));
         EXPECT_TRUE(istr(cipher.decrypt(encrypted)) == text);
     }
 }

@@ -1,11 +1,9 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cerrno>
-#include <new>
-#include <system_error>
 
 #include "commands.h"
 #include "number_rules.h"
+#include "program.h"
 
 namespace pmltool {
 
@@ -59,7 +57,7 @@ public:
 
     int run(std::vector<std::string> arguments) {
         try {
-            protectFileNames(arguments);
+            if (!arguments.empty() && (arguments[0] == "fmt" || arguments[0] == "check")) protectFileNames(arguments);
             std::reverse(arguments.begin(), arguments.end());
             app_.parse(std::move(arguments));
             return status_;
@@ -77,14 +75,6 @@ public:
     }
 
 private:
-    /// Where many values are taken, the parser takes "[a,b]" for a list of them.
-    static void protectFileNames(std::vector<std::string> & arguments) {
-        if (arguments.empty() || (arguments[0] != "fmt" && arguments[0] != "check")) return;
-        for (std::string & argument : arguments) {
-            if (argument.starts_with('[') && argument.ends_with(']')) argument.insert(0, "./");
-        }
-    }
-
     CLI::App * add(char const * name, std::string const & text, std::string const & details = {}) {
         CLI::App * const command = app_.add_subcommand(name, text);
         command->footer(details + statuses);
@@ -196,30 +186,10 @@ private:
     DiffArguments diff_;
 };
 
-/// Says why the output failed, unless nobody reads it any more.
-int outputFailed(Console & console, int error) {
-    console.out.exceptions(std::ios::goodbit);  // it is flushed once more when the program ends
-    if (error != EPIPE) console.err << "pml: standard output: " << std::generic_category().message(error) << '\n';
-    return bad;
-}
-
 }  // namespace
 
 int run(std::vector<std::string> arguments, Console & console) {
-    console.out.exceptions(std::ios::badbit | std::ios::failbit);
-    try {
-        int const status = CommandLine(console).run(std::move(arguments));
-        errno = 0;
-        console.out.flush();
-        return status;
-    } catch (BadInput const & error) {
-        console.err << error.what() << '\n';
-    } catch (std::bad_alloc const &) {
-        console.err << "pml: out of memory\n";
-    } catch (std::ios::failure const &) {
-        return outputFailed(console, errno);
-    }
-    return bad;
+    return guarded("pml", console, [&] { return CommandLine(console).run(std::move(arguments)); });
 }
 
 }  // namespace pmltool

@@ -1,6 +1,7 @@
 // `nbr::parser`: from bytes to a tree of values.
 #pragma once
 
+#include "yon/base/exception.h"
 #include "yon/nbr/value.h"
 
 namespace yon::nbr {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "yon/base/bytes.h"
+#include "yon/base/exception.h"
 #include "yon/base/scalars.h"
 #include "yon/base/time.h"
 #include "yon/util/binary_item.h"

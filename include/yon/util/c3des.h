@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "yon/base/bytes.h"
+#include "yon/base/exception.h"
 #include "yon/base/config.h"
 
 namespace yon {

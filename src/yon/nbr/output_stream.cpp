@@ -6,13 +6,17 @@
 
 namespace yon::nbr {
 
-/// Calls `write(tag)` behind the tag, if one is due; when it fails nothing is written.
+/// Calls `write(tag)`, of an element behind its tag; when it fails nothing is written.
 template <class Write>
 OutputStream & OutputStream::writeElement(Write write) {
+    if (open_ == 0) {
+        write(unset);
+        return *this;
+    }
     ulong const size = str().size();
     int const tag = tag_;
     try {
-        write(open_ != 0 ? writeTag() : unset);
+        write(writeTag());
     } catch (...) {
         items_.buffer().truncate(size);
         tag_ = tag;
