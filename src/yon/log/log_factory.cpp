@@ -78,7 +78,7 @@ constinit std::atomic<logger *> yonLogger{nullptr};
 
 /// The process forks with the map and all loggers whole.
 struct ForkSafety {
-    ForkSafety() noexcept { platform::onFork(platform::ForkLayer::loggers, before, inParent, inChild); }
+    ForkSafety() noexcept { platform::onFork(platform::ForkLayer::log, before, inParent, inChild); }
 
     static void before() noexcept {
         held = LoggerFactoryImpl::existing.load(std::memory_order_acquire);
