@@ -183,10 +183,11 @@ TEST(Cond, WakesWhomItShould) {
 }
 
 TEST(Cond, ReleasesStaticMutexesAltogether) {
+    static StaticMutex mutex;
     Cond cond;
-    Lock const lock(staticMutex), again(staticMutex);
+    Lock const lock(mutex), again(mutex);
     Threads const threads(1, [&](int) {
-        Lock const own(staticMutex);
+        Lock const own(mutex);
         cond.signal();
     });
     cond.wait(again);

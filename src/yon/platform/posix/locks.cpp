@@ -4,19 +4,11 @@
 
 namespace yon::platform::detail {
 
-namespace {
-
-constexpr int spins = 40;  ///< longer than a lock is usually held, shorter than a change of threads
-
-}  // namespace
-
-[[gnu::cold]] void waitForLock(std::uintptr_t & storage) noexcept {
-    std::atomic_ref const word(storage);
-    for (int i = 0; i < spins; ++i) {
-        spinPause();
-        if (word.load(std::memory_order_relaxed) == isFree && tryLockWord(storage)) return;
+// No spinning: who has just been woken often runs on the processor of the one that has woken it and holds the lock.
+[[gnu::cold]] void waitForLock(std::uintptr_t & word) noexcept {
+    while (std::atomic_ref(word).exchange(isAwaited, std::memory_order_acquire) != isFree) {
+        futexWait(&word, isAwaited, nullptr);
     }
-    while (word.exchange(isAwaited, std::memory_order_acquire) != isFree) futexWait(&storage, isAwaited, nullptr);
 }
 
 [[gnu::cold]] void wakeOne(std::uintptr_t & word) noexcept { futexWake(&word, 1); }
