@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "yon/base/bytes.h"
-#include "yon/base/exception.h"
 #include "yon/base/config.h"
+#include "yon/base/exception.h"
 
 namespace yon {
 
