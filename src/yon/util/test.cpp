@@ -73,7 +73,8 @@ std::vector<Case const *> UowTest::Impl::select(istr where) const {
     if (seed >= 0) {
         std::mt19937_64 random(static_cast<std::uint64_t>(seed));
         // By hand, so that a seed gives the same order everywhere.
-        for (std::size_t i = cases.size(); i > 1; --i) std::swap(cases[i - 1], cases[random() % i]);
+        for (std::size_t i = cases.size(); i > 1; --i)
+            std::swap(cases[i - 1], cases[static_cast<std::size_t>(random() % i)]);
     }
     return cases;
 }
