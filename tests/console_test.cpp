@@ -5,162 +5,118 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <thread>
 
 #include "file_testing.h"
 #include "yon/log/console.h"
 #include "yon/mt/thread_control.h"
-#include "yon/timer/timerManager.h"
 
 namespace {
 
 using yon::console;
-using yon::String;
-using Clock = std::chrono::steady_clock;
-
-std::string program;
-
-// --- the roles of a child ---
 
 /// Answers each command; ends with the input.
-int shell() {
+void shell() {
     while (!console::atEnd()) {
-        String line = "untouched";
-        if (console::readline(line, "> ")) {
-            console::println("got " + line);
-        } else if (line != "untouched") {
-            return 1;
-        }
+        yon::String line;
+        if (console::readline(line, "> ")) console::println("got " + line);
         console::flush();
     }
-    console::println("never shown");
-    return 0;
 }
 
-/// Commands that come slowly, one in two pieces, and one without an end.
-int typist() {
+/// Types slowly, one line in two pieces, and one without an end.
+void typist() {
     for (char const * piece : {"one\ntw", "o\n", "\n", "rest"}) {
         std::cout << piece << std::flush;
         yon::sleep(150);
     }
-    return 0;
 }
 
-/// How a prompt and log lines share the screen.
-int prompts() {
-    String line;
+void prompts() {
+    yon::String line = "untouched";
     console::println("before");
-    console::readline(line, "first> ");
-    console::readline(line, "second> ");
-    console::flush();
-    console::flush();
+    for (char const * prompt : {"first> ", "second> "}) console::readline(line, prompt);
+    for (int i = 0; i < 2; ++i) console::flush();
     console::readline(line, "third> ");
-    console::println("after");
+    console::println(line);
     console::flush();
-    return 0;
 }
 
-/// Leaves main with text pending, in an open console.
-int leave() {
+void leaveOpen() {
     console::println("pending");
     console::open();
-    console::print("to be ", 5);
     std::thread([] { console::println("shown"); }).join();
-    return 0;
 }
 
-/// Shows the text by itself, and nothing when closed.
-int timed() {
+void waitForTimer() {
     console::open();
     console::println("by the timer");
-    yon::sleep(400);
-    console::println("by close");
+    yon::sleep(1000);
+    std::_Exit(0);
+}
+
+void close() {
+    console::open();
+    console::print("by close", 2);
     console::close();
     console::println("lost");
     console::destroy();
-    yon::TimerManager::instance()->stop();
-    return 0;
 }
 
-/// Prints more than a pipe holds while nobody reads it.
-int blocked() {
+/// Prints more than a pipe holds.
+void fill() {
     console::open();
-    std::string const line(1000, 'x');
-    auto const start = Clock::now();
+    auto const start = std::chrono::steady_clock::now();
     for (int i = 0; i < 900; ++i) {
-        console::println(line);
+        console::println(std::string(1000, 'x'));
         if (i % 100 == 0) yon::sleep(50);
     }
     // Not by way of a stream that flushes standard output first.
-    std::fputs(Clock::now() - start < std::chrono::seconds(2) ? "free" : "held up", stderr);
+    std::fputs(std::chrono::steady_clock::now() - start < std::chrono::seconds(2) ? "free" : "held up", stderr);
     std::_Exit(0);
 }
-int idle() {
-    yon::sleep(3000);
-    return 0;
-}
 
-/// More than 1 MiB is written out by the thread that prints.
-int flood() {
+/// Is not open, and prints more than is kept.
+void flood() {
     for (int i = 0; i < 2000; ++i) console::println(std::string(999, 'x'));
-    return 0;
 }
 
-int play(std::string const & role) {
-    struct {
-        char const * name;
-        int (*run)();
-    } const roles[] = {{"shell", shell}, {"typist", typist},   {"prompts", prompts}, {"leave", leave},
-                       {"timed", timed}, {"blocked", blocked}, {"idle", idle},       {"flood", flood}};
-    for (auto const & r : roles) {
-        if (role == r.name) return r.run();
-    }
-    return 99;
-}
-
-// --- the tests ---
-
-class Console : public testing::Test {
-protected:
-    /// Runs a shell command in which "@" is this program; returns what it writes.
-    std::string run(std::string command) {
-        for (std::size_t at = 0; (at = command.find('@')) != std::string::npos;)
-            command.replace(at, 1, program + ' ');
-        EXPECT_EQ(std::system((command + " > " + file("out") + " 2> " + file("err")).c_str()), 0) << command;
-        std::string text = contentOf(file("out"));
-        std::erase(text, '\r');
-        return text;
-    }
-    std::string file(std::string const & name) { return directory_.file(name); }
-
-    TemporaryDirectory directory_{"console"};
+std::map<std::string, void (*)()> const roles{
+    {"shell", shell},     {"typist", typist}, {"prompts", prompts},
+    {"leave", leaveOpen}, {"fill", fill},     {"timer", waitForTimer},
+    {"close", close},     {"flood", flood},   {"idle", [] { yon::sleep(3000); }},
 };
+std::string program;
 
-TEST_F(Console, ReadsLinesWhenTheyAreThere) {
-    EXPECT_EQ(run("@typist | @shell"), "> got one\n> got two\n> got \n> got rest\n");
+/// Runs a shell command in which "@" is this program; returns what it writes.
+std::string run(std::string command, std::string const & out) {
+    for (std::size_t at = 0; (at = command.find('@')) != std::string::npos;) command.replace(at, 1, program + ' ');
+    EXPECT_EQ(std::system((command + " > " + out).c_str()), 0) << command;
+    std::string text = contentOf(out);
+    std::erase(text, '\r');
+    return text;
 }
 
-TEST_F(Console, PromptAndLogShareTheScreen) {
-    writeFile(file("none"), "");
-    EXPECT_EQ(run("@prompts < " + file("none")), "first> \nbefore\nthird> \nafter\n");
-}
-
-TEST_F(Console, WritesByTimerAndAtTheEnd) {
-    EXPECT_EQ(run("@leave"), "pending\nto beshown\n");
-    EXPECT_EQ(run("@timed"), "by the timer\nby close\n");
-    EXPECT_EQ(run("@flood").size() / 1000, 1048u + 1);
-}
-
-TEST_F(Console, ABlockedTerminalHoldsUpNobody) {
-    run("@blocked 2> " + file("note") + " | @idle");
-    EXPECT_EQ(contentOf(file("note")), "free");
+TEST(Console, ServesTerminalsPipesAndFiles) {
+    TemporaryDirectory directory("console");
+    std::string const out = directory.file("out");
+    writeFile(directory.file("none"), "");
+    EXPECT_EQ(run("@typist | @shell", out), "> got one\n> got two\n> got \n> got rest\n");
+    EXPECT_EQ(run("@prompts < " + directory.file("none"), out), "first> \nbefore\nthird> \nuntouched\n");
+    EXPECT_EQ(run("@leave", out), "pending\nshown\n");
+    EXPECT_EQ(run("@timer", out), "by the timer\n");
+    EXPECT_EQ(run("@close", out), "by");
+    EXPECT_EQ(run("@flood", out).size(), 1049'000u) << "one line more than 1 MiB";
+    run("@fill 2> " + directory.file("note") + " | @idle", out);
+    EXPECT_EQ(contentOf(directory.file("note")), "free") << "a blocked terminal holds up nobody";
 }
 
 }  // namespace
 
 int main(int argc, char ** argv) {
     testing::InitGoogleTest(&argc, argv);
-    if (argc > 1) return play(argv[1]);
+    if (argc > 1) return roles.at(argv[1])(), 0;
     // No blanks and no drive, so that no shell needs quotes.
     namespace fs = std::filesystem;
     program = fs::relative(fs::absolute(argv[0])).make_preferred().string();

@@ -2,49 +2,30 @@
 #pragma once
 
 #include <mutex>
+#include <regex>
 #include <string>
-#include <vector>
 
 #include "yon/log/logger_factory.h"
 #include "yon/mt/simple_thread.h"
 
 namespace yon::testing {
 
-/// Notes what a logger is given for its main file ("") and its debug file ("debug: ").
+/// Notes what a logger is given for its main file and, behind "debug: ", for its debug file.
 class Lines {
 public:
-    explicit Lines(logger & log) : log_(log) {
-        log_.setCallback(&main_);
-        log_.setDebugCallback(&debug_);
-    }
-    ~Lines() {
-        log_.setCallback(nullptr);
-        log_.setDebugCallback(nullptr);
-    }
+    explicit Lines(logger & log) : log_(log) { listen(&main_, &debug_); }
+    ~Lines() { listen(nullptr, nullptr); }
 
-    /// What came since the last call, with masked times.
+    /// What came since the last call; date-time texts give way to one of the same length.
     std::string take() {
+        static std::regex const dateTime("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3}");
         std::lock_guard const guard(mutex_);
-        return masked(std::exchange(text_, {}));
+        return std::regex_replace(std::exchange(text_, {}), dateTime, "9999-99-99 99:99:99.999");
     }
-
-    /// The date-time text gives way to one of the same length.
-    static std::string masked(std::string text) {
-        static constexpr char const * form = "9999-99-99 99:99:99.999";
-        for (std::size_t i = 0; i + size <= text.size(); ++i) {
-            std::size_t n = 0;
-            while (n < size && (form[n] == '9' ? text[i + n] >= '0' && text[i + n] <= '9' : text[i + n] == form[n]))
-                ++n;
-            if (n == size) text.replace(i, size, form);
-        }
-        return text;
-    }
-    /// The masked date-time text and the identity text of the calling thread.
+    /// What headers of the calling thread begin with.
     static std::string prefix() { return "9999-99-99 99:99:99.999" + SimpleThread::current().sThreadId_; }
 
 private:
-    static constexpr std::size_t size = 23;
-
     struct Callback : LoggerCallback {
         Callback(Lines & lines, char const * label) : lines_(lines), label_(label) {}
         void onLog(istr line) override {
@@ -55,6 +36,11 @@ private:
         std::string label_;
     };
 
+    void listen(LoggerCallback * main, LoggerCallback * debug) {
+        log_.setCallback(main);
+        log_.setDebugCallback(debug);
+    }
+
     logger & log_;
     std::mutex mutex_;
     std::string text_;
@@ -63,11 +49,10 @@ private:
 };
 
 /// A line of 118 characters, laid out another way than the log does it.
-inline std::string ruled(char fill, std::string left, std::string right) {
-    left = left.empty() ? left : left.substr(0, 117) + ' ';
-    right = right.empty() ? right : ' ' + (right.size() > 117 ? right.substr(right.size() - 117) : right);
-    std::string line = left + std::string(118, fill);
+inline std::string ruled(char fill, std::string const & left, std::string right) {
+    std::string line = (left.empty() ? left : left.substr(0, 117) + ' ') + std::string(118, fill);
     line.resize(118);
+    if (!right.empty()) right = ' ' + (right.size() > 117 ? right.substr(right.size() - 117) : right);
     return line.replace(118 - right.size(), right.size(), right) + '\n';
 }
 

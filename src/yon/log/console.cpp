@@ -1,9 +1,10 @@
 #include "yon/log/console.h"
 
 #include <atomic>
-#include <cstdlib>
 #include <mutex>
+#include <new>
 #include <ostream>
+#include <utility>
 
 #include "yon/base/std_streams.h"
 #include "yon/log/patient_guard.h"
@@ -182,10 +183,12 @@ bool ConsoleImpl::takeLine(String & line) {
     return false;
 }
 
-/// What is pending is printed by the parent. Locks that its other threads held are held by nobody now.
+/// What is pending is printed by the parent. Locks that its other threads held are held by nobody now, and what they
+/// guard is in the middle of something.
 void ConsoleImpl::becomeChild() noexcept {
     pending_.clear();
-    written_.clear();
+    new (&written_) std::string;
+    new (&partial_) std::string;
     new (&writing_) detail::SystemLock;
     new (&reading_) detail::SystemLock;
     unlock();
@@ -193,19 +196,17 @@ void ConsoleImpl::becomeChild() noexcept {
 
 namespace {
 
-[[maybe_unused]] bool const survivesFork = (platform::onFork(
-                                                platform::ForkLayer::log,
-                                                []() noexcept {
-                                                    if (ConsoleImpl * const c = ConsoleImpl::existing()) c->lock();
-                                                },
-                                                []() noexcept {
-                                                    if (ConsoleImpl * const c = ConsoleImpl::existing()) c->unlock();
-                                                },
-                                                []() noexcept {
-                                                    if (ConsoleImpl * const c = ConsoleImpl::existing())
-                                                        c->becomeChild();
-                                                }),
-                                            true);
+void beforeFork() noexcept {
+    if (ConsoleImpl * const c = ConsoleImpl::existing()) c->lock();
+}
+void inParent() noexcept {
+    if (ConsoleImpl * const c = ConsoleImpl::existing()) c->unlock();
+}
+void inChild() noexcept {
+    if (ConsoleImpl * const c = ConsoleImpl::existing()) c->becomeChild();
+}
+[[maybe_unused]] bool const survivesFork =
+    (platform::onFork(platform::ForkLayer::log, beforeFork, inParent, inChild), true);
 
 /// Lets nothing out.
 template <class Call>
