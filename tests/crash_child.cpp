@@ -8,6 +8,7 @@
 #include <map>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "yon/log/crash_report.h"
 #include "yon/log/logger_factory.h"
@@ -49,10 +50,11 @@ private:
     void (*const work_)();
 };
 
-Worker & start(void (*work)()) {
-    Worker * const worker = new Worker(work);
-    worker->start();
-    return *worker;
+/// Returns when the threads are gone, if they let the process live.
+void runThreads(int count, void (*work)()) {
+    std::vector<yon::ThreadControl> threads;
+    for (int i = 0; i < count; ++i) threads.push_back((new Worker(work))->start());
+    for (yon::ThreadControl const & t : threads) t.join();
 }
 
 void crashTogether() {
@@ -61,8 +63,7 @@ void crashTogether() {
         for (--missing; missing != 0;) std::this_thread::yield();
         write();
     };
-    for (int i = 0; i < 3; ++i) start(crash);
-    start(crash).stop();
+    runThreads(4, crash);
 }
 
 /// Logs when it is destroyed, and holds a block until then.
@@ -102,7 +103,7 @@ std::map<std::string, std::function<void()>> const ends = {
     {"trap", [] { __builtin_trap(); }},
     {"abort", [] { std::abort(); }},
     {"overflow", [] { overflow(new int(0)); }},
-    {"thread", [] { start([] { overflow(new int(0)); }).stop(); }},
+    {"thread", [] { runThreads(1, [] { overflow(new int(0)); }); }},
     {"terminate", [] { std::terminate(); }},
     {"throw", [] { YON_THROW(yon::OutOfRangeException, "it's 5 \\ 4 (or so)"); }},
     {"int", [] { throw 5; }},
