@@ -15,6 +15,9 @@
 #include "yon/log/macros.h"
 #include "yon/mt/simple_thread.h"
 
+/// Asked by the address sanitizer, if there is one: the leaks are meant.
+extern "C" char const * __asan_default_options() { return "detect_leaks=0"; }
+
 namespace {
 
 yon::logger & log() { return yon::logger_factory::yon(); }
