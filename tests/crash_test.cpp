@@ -78,11 +78,7 @@ TEST_F(Crash, EndsAsWithoutAReportAndLeavesOne) {
     for (auto const & row : rows) {
         if (windows && row.exception == nullptr) continue;
         SCOPED_TRACE(row.how);
-        int const bare = run(std::string("bare ") + row.how);
-        ASSERT_FALSE(fs::exists("report.pml"));
-        EXPECT_EQ(contentOf("said"), "");
-        EXPECT_EQ(run(row.how), bare);
-        EXPECT_TRUE(windows || bare > 128) << bare;
+        int const status = run(row.how);
         EXPECT_EQ(contentOf("said"), "hook\n");
         EXPECT_TRUE(contentOf("child.log").starts_with("cached\n"));
         ASSERT_TRUE(readReport()) << contentOf("report.pml");
@@ -92,6 +88,12 @@ TEST_F(Crash, EndsAsWithoutAReportAndLeavesOne) {
         ASSERT_GE(calls.size(), 2u) << contentOf("report.pml");
         EXPECT_TRUE(calls[0].starts_with(inThread ? "Worker::onWork(tests/crash_child.cpp:" : "end("));
         fs::remove("report.pml");
+        // After an exception of Windows the status may be that of a debugger, which the system starts.
+        if (windows && std::string(row.exception).starts_with("EXCEPTION_")) continue;
+        EXPECT_EQ(run(std::string("bare ") + row.how), status);
+        EXPECT_NE(status, 0);
+        EXPECT_FALSE(fs::exists("report.pml"));
+        EXPECT_EQ(contentOf("said"), "");
     }
 }
 
