@@ -114,13 +114,7 @@ TEST_F(Crash, TellsWhatIsKnown) {
     EXPECT_EQ(text("exception/type"), "i");
     run("together");
     ASSERT_TRUE(readReport());
-    int workers = 0;
-    for (ulong i = 0; pml::Unit const * const thread = report_["threads"].at(i); ++i) {
-        std::string name;
-        (*thread)["name"] >> name;
-        workers += name == "worker";
-    }
-    EXPECT_EQ(workers, 4);
+    for (char const * name : {"threads/[0]/name", "threads/[3]/name"}) EXPECT_EQ(text(name), "worker");
 }
 
 TEST_F(Crash, CallsEarlierHandlers) {
