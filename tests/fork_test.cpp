@@ -81,15 +81,12 @@ TEST(Fork, TheChildReportsItsOwnCrash) {
     EXPECT_FALSE(std::filesystem::exists(name));
     pml::Unit report;
     ASSERT_TRUE(pml::ntvFromPml(report, pml::File(name + "." + std::to_string(id))));
-    ulong process = 0, thread = 0, crashed = 0;
-    report["process"] >> process;
-    report["thread"] >> thread;
-    EXPECT_EQ(process, static_cast<ulong>(id));
-    EXPECT_EQ(thread, process);
+    ulong thread = 0;
+    EXPECT_TRUE(report["thread"] >> thread);
+    EXPECT_EQ(thread, static_cast<ulong>(id));
     // The threads of the parent are not there, and this one keeps its calls.
-    ASSERT_EQ(report["threads"].at(1u), nullptr);
-    report["threads"].at(0u)->at(istr("crashed"))->operator>>(crashed);
-    EXPECT_EQ(crashed, 1u);
+    EXPECT_EQ(report.find("threads/[1]"), nullptr);
+    EXPECT_NE(report.find("threads/[0]/crashed"), nullptr);
     EXPECT_NE(report.find("threads/[0]/stack/[0]"), nullptr);
 }
 
