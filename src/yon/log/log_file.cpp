@@ -212,7 +212,7 @@ std::list<String> LogFile::pending() const {
 
 ulong LogFile::runningSize() const noexcept {
     std::lock_guard const guard(cacheLock_);
-    return toLength(running_);
+    return toLength(static_cast<std::size_t>(running_));
 }
 
 void LogFile::close() noexcept {
