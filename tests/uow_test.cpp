@@ -194,7 +194,7 @@ TEST(UnitOfWork, OwnsItsChildrenAndKnowsItsPath) {
         grandchild.stopAll(9);
         EXPECT_EQ(root.exitCode(), 9);
     }
-    EXPECT_EQ(deaths, "leafchildsecond");
+    EXPECT_EQ(deaths, "childleafsecond");
 }
 
 struct WithHole : UnitOfWork {
@@ -203,8 +203,10 @@ struct WithHole : UnitOfWork {
 
 TEST(UnitOfWork, TellsOfANullChildUnlessUnwinding) {
     try {
-        WithHole const holed;
-        static_cast<void>(holed);
+        {
+            WithHole const holed;
+            static_cast<void>(holed);
+        }
         ADD_FAILURE();
     } catch (NullPointerException const & e) {
         EXPECT_STREQ(e.what(), "yon::NullPointerException: yon::NullPointerException");

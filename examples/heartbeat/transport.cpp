@@ -24,10 +24,10 @@ bool Socket::send(yon::istr bytes, Address const & to) {
     return socket_.send(bytes.data(), bytes.size(), inet(to)) == static_cast<ssize_t>(bytes.size());
 }
 
-yon::istr Socket::receive(yon::Str & buffer, yon::Time const & wait) {
+yon::istr Socket::receive(yon::ostr buffer, yon::Time const & wait) {
     ACE_Time_Value limit(0, static_cast<suseconds_t>(wait.toMicroSeconds()));
     ACE_INET_Addr from;
-    ssize_t const size = socket_.recv(buffer.data(), buffer.size(), from, 0, &limit);
+    ssize_t const size = socket_.recv(buffer.data(), buffer.max_size(), from, 0, &limit);
     return size > 0 ? yon::istr(buffer.data(), static_cast<yon::ulong>(size)) : yon::istr();
 }
 
@@ -65,8 +65,7 @@ Receiver::Receiver(yon::ThreadOwner * owner, Socket & socket, Peers & peers, yon
 
 void Receiver::onWork() {
     char room[largest];
-    yon::Str buffer(room, largest);
-    yon::istr const bytes = socket_.receive(buffer, yon::Time::milliSeconds(100));
+    yon::istr const bytes = socket_.receive(yon::ostr(room, largest), yon::Time::milliSeconds(100));
     if (bytes.empty()) return;
     try {
         take(Message::decode(bytes));

@@ -20,7 +20,7 @@ public:
     /// Whether it was sent; the network may lose it all the same.
     bool send(yon::istr bytes, Address const & to);
     /// The next datagram; empty when none comes within the time. `buffer` holds it.
-    yon::istr receive(yon::Str & buffer, yon::Time const & wait);
+    yon::istr receive(yon::ostr buffer, yon::Time const & wait);
 
 private:
     ACE_SOCK_Dgram socket_;

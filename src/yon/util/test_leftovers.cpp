@@ -21,6 +21,12 @@ std::size_t libraryThreads() {
 
 std::size_t timersSet() { return TimerManager::instance()->timers().size(); }
 
+/// What the library keeps for itself, such as services that came with the first use, is no fault of a case.
+bool isOfLibrary(MLC_Entry const & e) {
+    istr const file = e.file;
+    return file.beginWith("src/yon/") || file.beginWith("include/yon/");
+}
+
 void compare(std::vector<String> & lines, istr what, std::size_t before, std::size_t now) {
     if (now <= before) return;
     StringBuffer line;
@@ -46,6 +52,7 @@ std::vector<String> Leftovers::since() const {
     compare(lines, "library threads", threads_, libraryThreads());
     compare(lines, "timers", timers_, timersSet());
     for (MLC_Entry const & e : MemLeakChecker::since(blocks_)) {
+        if (isOfLibrary(e)) continue;
         StringBuffer line;
         line.append(e.count).append(" objects made at ").append(e.file).append(':').append(e.line).append(" in ");
         line.append(e.func);
