@@ -105,8 +105,8 @@ void Service::on_loop() {
 void Service::on_fini() {
     if (parts_ == nullptr) return;
     parts_->sender->stop();
-    parts_->sender->goodbye();
     parts_->receiver->stop();
+    parts_->sender->goodbye();  // when nothing is answered any more
     parts_->report.killTimerAndWait();
     parts_->jobs.close();
     if (summary_) printPeers();
