@@ -132,11 +132,15 @@ ThreadControl Thread::start(unsigned int stackSize) {
 }
 
 ThreadControl Thread::start_i(unsigned int stackSize) {
-    Lock const lock(mutex_);
-    if (started()) YON_THROW_AT(at(251, "yon::Thread::start"), ThreadStartedException);
+    Lock lock(mutex_);
+    if (started()) {
+        lock.release();
+        YON_THROW_AT(at(251, "yon::Thread::start"), ThreadStartedException);
+    }
     __incRef();
     platform::CreatedThread const created = platform::createThread(startHook, this, stackSize);
     if (created.handle == nullptr) {
+        lock.release();
         __decRef();
         YON_THROW_AT(at(274, "yon::Thread::start"), ThreadSyscallException, created.error);
     }

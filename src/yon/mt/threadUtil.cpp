@@ -42,6 +42,7 @@ std::vector<Handle<SimpleThread>> AsyncThreadManager::copy_i() const {
 }
 
 void AsyncThreadManager::put(Handle<SimpleThread> thread) {
+    if (!closing_) static_cast<void>(*thread);  // raises here, and not under the lock
     bool closed = false;
     {
         Lock const lock(threads_);
