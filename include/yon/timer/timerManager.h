@@ -49,6 +49,7 @@ public:
     /// delivers `onRelease` itself, and drops the events that are due.
     bool killTimerAndWait(TimerId id);
 
+    /// Makes the instance if there is none. The pointer is the calling thread's own copy.
     static TimerManager *& instance();
     /// Starts the service, with the library's own timers; nothing when it runs. Returns 0. Raises
     /// `ThreadSyscallException` when there are no threads to be had.

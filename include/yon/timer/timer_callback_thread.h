@@ -3,6 +3,7 @@
 #include <array>
 #include <atomic>
 #include <memory>
+#include <utility>
 
 #include "yon/mt/monitor.h"
 #include "yon/mt/simple_thread.h"
