@@ -23,7 +23,7 @@ std::string fileFor(char const * who) {
 // --- ours ---
 
 yon::logger & ours() {
-    static yon::logger & log = [] -> yon::logger & {
+    static yon::logger & log = []() -> yon::logger & {
         yon::logger & made = yon::logger_factory::instance("bench");
         made.filename(fileFor("zuvyon"));
         made.debugOn(true).useDebugLogfile(false);
@@ -37,7 +37,8 @@ void recordOurs(benchmark::State & state) {
     yon::logger & log = ours();
     int n = 0;
     for (auto _ : state) {
-        YON_LOG_DEBUG(log, "BENCH", "request " << ++n << " took " << 2 * n << " us");
+        ++n;
+        YON_LOG_DEBUG(log, "BENCH", "request " << n << " took " << 2 * n << " us");
         if constexpr (flush) log.flush();
     }
     state.SetItemsProcessed(state.iterations());

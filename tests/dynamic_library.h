@@ -1,16 +1,9 @@
 // Loading of modules, for tests.
 #pragma once
 
-/// A loaded module. Ends the program when there is none.
-class DynamicLibrary {
-public:
-    explicit DynamicLibrary(char const * file);
-    DynamicLibrary(DynamicLibrary const &) = delete;
-    DynamicLibrary & operator=(DynamicLibrary const &) = delete;
-    ~DynamicLibrary();
+using ModuleFunction = void (*)(char const *);
 
-    void * function(char const * name) const;
-
-private:
-    void * handle_;
-};
+/// Null when there is none.
+void * loadModule(char const * file);
+ModuleFunction functionOf(void * module, char const * name);
+void unloadModule(void * module);

@@ -1,14 +1,9 @@
 #include <dlfcn.h>
 
-#include <cstdio>
-#include <cstdlib>
-
 #include "dynamic_library.h"
 
-DynamicLibrary::DynamicLibrary(char const * file) : handle_(::dlopen(file, RTLD_NOW)) {
-    if (handle_ != nullptr) return;
-    std::puts(::dlerror());
-    std::exit(1);
+void * loadModule(char const * file) { return ::dlopen(file, RTLD_NOW); }
+ModuleFunction functionOf(void * module, char const * name) {
+    return reinterpret_cast<ModuleFunction>(::dlsym(module, name));
 }
-DynamicLibrary::~DynamicLibrary() { ::dlclose(handle_); }
-void * DynamicLibrary::function(char const * name) const { return ::dlsym(handle_, name); }
+void unloadModule(void * module) { ::dlclose(module); }

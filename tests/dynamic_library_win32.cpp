@@ -1,16 +1,10 @@
 #include <windows.h>
 
-#include <cstdio>
-#include <cstdlib>
-
 #include "dynamic_library.h"
 
-DynamicLibrary::DynamicLibrary(char const * file) : handle_(::LoadLibraryA(file)) {
-    if (handle_ != nullptr) return;
-    std::printf("error %lu\n", ::GetLastError());
-    std::exit(1);
+void * loadModule(char const * file) { return ::LoadLibraryA(file); }
+ModuleFunction functionOf(void * module, char const * name) {
+    return reinterpret_cast<ModuleFunction>(
+        reinterpret_cast<void *>(::GetProcAddress(static_cast<HMODULE>(module), name)));
 }
-DynamicLibrary::~DynamicLibrary() { ::FreeLibrary(static_cast<HMODULE>(handle_)); }
-void * DynamicLibrary::function(char const * name) const {
-    return reinterpret_cast<void *>(::GetProcAddress(static_cast<HMODULE>(handle_), name));
-}
+void unloadModule(void * module) { ::FreeLibrary(static_cast<HMODULE>(module)); }

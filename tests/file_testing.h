@@ -12,22 +12,18 @@ class TemporaryDirectory {
 public:
     explicit TemporaryDirectory(std::string const & name)
         : path_(std::filesystem::temp_directory_path() / ("yon-" + name + "-test")) {
-        clear();
+        std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
     }
-    TemporaryDirectory(TemporaryDirectory const &) = delete;
-    TemporaryDirectory & operator=(TemporaryDirectory const &) = delete;
-    ~TemporaryDirectory() { clear(); }
+    ~TemporaryDirectory() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
 
     /// With slashes, which every system takes.
     std::string file(std::string const & name) const { return path_.generic_string() + '/' + name; }
 
 private:
-    void clear() noexcept {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-
     std::filesystem::path path_;
 };
 

@@ -77,18 +77,27 @@ TEST_F(LogFaults, GoesOnInAFileThatCannotBeMoved) {
 
 TEST_F(LogFaults, NoticesThatTheFileIsAnotherOne) {
     std::string const name = file("a.log");
-    log.filename(name);
-    line("1");
+    logger other;
+    for (logger * const l : {&log, &other}) l->setMaxNumofMsg(0).filename(name);
+    auto const both = [&](std::string const & text) {
+        log.write(text + '\n');
+        other.write(text + '\n');
+    };
+    both("1");
     fs::rename(name, file("moved"));
-    line("2");
-    EXPECT_EQ(contentOf(file("moved")), "1\n");
-    EXPECT_EQ(contentOf(name), "2\n");
+    both("2");
+    EXPECT_EQ(contentOf(file("moved")), "1\n1\n");
+    EXPECT_EQ(contentOf(name), "2\n2\n");
     fs::remove(name);
-    line("3");
-    EXPECT_EQ(contentOf(name), "3\n");
+    both("3");
+    EXPECT_EQ(contentOf(name), "3\n3\n");
     fs::rename(file("moved"), name);
-    line("4");
-    EXPECT_EQ(contentOf(name), "1\n4\n");
+    both("4");
+    EXPECT_EQ(contentOf(name), "1\n1\n4\n4\n");
+    other.filename("");
+    fs::remove(name);
+    line("5");
+    EXPECT_EQ(contentOf(name), "5\n");
 }
 
 TEST_F(LogFaults, KeepsLinesWholeOnAFullDisk) {

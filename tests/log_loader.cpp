@@ -5,12 +5,12 @@
 #include "dynamic_library.h"
 
 int main(int argc, char ** argv) {
-    if (argc != 4) return 2;
-    for (int left = std::atoi(argv[3]); left > 0; --left) {
-        DynamicLibrary module(argv[1]);
-        auto const log = reinterpret_cast<void (*)(char const *)>(module.function("logFromModule"));
+    for (int left = argc == 4 ? std::atoi(argv[3]) : 0; left > 0; --left) {
+        void * const module = loadModule(argv[1]);
+        if (module == nullptr) return 1;
+        ModuleFunction const log = functionOf(module, "logFromModule");
         log(argv[2]);
         std::thread(log, argv[2]).join();
+        unloadModule(module);
     }
-    return 0;
 }

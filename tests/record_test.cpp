@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <iomanip>
 #include <thread>
 
 #include "log_testing.h"
@@ -152,8 +153,16 @@ TEST(Macros, AreSingleStatementsAnywhere) {
     std::string const big(100'000, 'x');
     YON_LOG_DATA(log(), big << big);
     EXPECT_THROW(YON_LOG_DATA(log(), std::string("x").substr(2)), std::out_of_range);
-    YON_LOG_DATA(log(), "small");
-    EXPECT_EQ(lines.take(), big + big + "\nsmall\n");
+    struct Commas : std::numpunct<char> {
+        char do_decimal_point() const override { return ','; }
+    };
+    YON_LOG_DATA(log(), std::setfill('*') << std::setw(6) << 1 << static_cast<char const *>(nullptr) << "lost");
+    auto const imbued = [](std::ostream & os) -> std::ostream & {
+        return os.imbue(std::locale(os.getloc(), new Commas)), os;
+    };
+    YON_LOG_DATA(log(), +imbued << 0.5);
+    YON_LOG_DATA(log(), std::setw(4) << 0.5);
+    EXPECT_EQ(lines.take(), big + big + "\n*****1\n0,5\n 0.5\n");
 }
 
 TEST(Macros, EvaluateOnlyWhatIsWanted) {

@@ -90,7 +90,7 @@ private:
 
     mutable detail::SystemLock cacheLock_;
     LineBatch front_;        ///< the cache
-    ulonglong running_ = 0;  ///< bytes that count towards the limit
+    std::size_t running_ = 0;  ///< bytes that count towards the limit
     std::atomic<ulonglong> appended_{0};
     std::atomic<ulonglong> settled_{0};     ///< of those, how many were written, lost or forgotten
     std::atomic<bool> writerComes_{false};  ///< somebody waits for the file to write a full cache

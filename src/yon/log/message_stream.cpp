@@ -1,6 +1,7 @@
 #include "yon/log/message_stream.h"
 
 #include <memory>
+#include <typeinfo>
 #include <utility>
 
 #include "yon/base/exception.h"
@@ -23,7 +24,10 @@ public:
         open(0);
     }
 
+    bool imbued = false;  ///< has got a locale
+
 protected:
+    void imbue(std::locale const &) override { imbued = true; }
     int_type overflow(int_type c) override {
         if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
         std::size_t const used = static_cast<std::size_t>(pptr() - pbase());
@@ -53,15 +57,23 @@ class MessageStream::Stream {
 public:
     Stream() : os_(&buffer_) {
         os_.imbue(std::locale::classic());
-        usual_.copyfmt(os_);
+        buffer_.imbued = false;
     }
 
     std::ostream & os() noexcept { return os_; }
-    /// Undoes whatever the last message did to buffer and format.
+    /// Undoes what the last message did to text, state, format and locale. (Copying a whole format takes longer than
+    /// an average message.)
     void reset() {
         buffer_.reset();
+        os_.exceptions(std::ios::goodbit);
         os_.clear();
-        os_.copyfmt(usual_);
+        os_.flags(std::ios::skipws | std::ios::dec);
+        os_.precision(6);
+        os_.width(0);
+        os_.fill(' ');
+        if (!buffer_.imbued) return;
+        os_.imbue(std::locale::classic());
+        buffer_.imbued = false;
     }
 
     Stream * next = nullptr;
@@ -69,7 +81,6 @@ public:
 private:
     MessageBuffer buffer_;
     std::ostream os_;
-    std::ios usual_{nullptr};
 };
 
 void deleteStreams(MessageStream::Stream * first) noexcept {
@@ -97,8 +108,9 @@ MessageStream::~MessageStream() {
 std::ostream & MessageStream::stream() noexcept { return stream_->os(); }
 
 char const * messageText(std::ostream & os) noexcept {
-    auto * const buffer = dynamic_cast<MessageBuffer *>(os.rdbuf());
-    return buffer != nullptr ? buffer->c_str() : "";
+    std::streambuf * const buffer = os.rdbuf();
+    if (buffer == nullptr || typeid(*buffer) != typeid(MessageBuffer)) return "";
+    return static_cast<MessageBuffer *>(buffer)->c_str();
 }
 
 void writeCaught(logger & log, diagnostics::Location const & where, std::exception const & e) noexcept {

@@ -37,8 +37,15 @@ private:
 
     std::intptr_t handle_ = closed;
     ulonglong size_ = 0;
-    ulonglong volume_ = 0;  ///< with `file_` what tells the file from others, where it stays open
+
+    // Where a file stays open: what tells it from others, and what was known when that was last looked at.
+    bool isStill(char const * name) noexcept;
+    ulonglong volume_ = 0;
     ulonglong file_ = 0;
+    bool isRegular_ = false;
+    int watch_ = -1;
+    unsigned changes_ = 0;
+    longlong checked_ = 0;
 };
 
 /// Moves a file, and replaces one that has the new name. Between volumes it copies.

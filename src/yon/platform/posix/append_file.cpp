@@ -6,7 +6,11 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <ctime>
 #include <filesystem>
+#include <utility>
+
+#include "yon/platform/posix/file_watch.h"
 
 namespace yon::platform {
 
@@ -14,23 +18,58 @@ namespace {
 
 constexpr mode_t permissions = 0666;
 
+longlong roughSeconds() noexcept {
+    timespec t;
+    ::clock_gettime(CLOCK_MONOTONIC_COARSE, &t);
+    return t.tv_sec;
+}
+
 int descriptor(std::intptr_t handle) noexcept { return static_cast<int>(handle); }
+
+/// What the system says of a file. Its times are not asked for: a file whose times were looked at has them written to
+/// its inode by the next write, which then takes twice as long.
+class FileStatus {
+public:
+    int get(int directory, char const * name, int flags) noexcept {
+        return ::statx(directory, name, flags, STATX_TYPE | STATX_INO, &status_) == 0 ? 0 : errno;
+    }
+    ulonglong volume() const noexcept { return ulonglong{status_.stx_dev_major} << 32 | status_.stx_dev_minor; }
+    ulonglong file() const noexcept { return status_.stx_ino; }
+    bool isRegular() const noexcept { return S_ISREG(status_.stx_mode); }
+
+private:
+    struct statx status_;
+};
 
 }  // namespace
 
+/// Whether the open file is the one that has this name. Where it can be watched, its name is looked at only after
+/// something has happened to it, and every second for what cannot be seen.
+bool AppendFile::isStill(char const * name) noexcept {
+    longlong const now = roughSeconds();
+    unsigned const changes = FileWatch::changes();
+    if (watch_ >= 0 && changes == changes_ && now == checked_) return true;
+    changes_ = changes;
+    checked_ = now;
+    watch_ = FileWatch::add(name);
+    FileStatus status;
+    return status.get(AT_FDCWD, name, 0) == 0 && status.volume() == volume_ && status.file() == file_;
+}
+
 int AppendFile::open(char const * name) noexcept {
-    struct stat status;
-    bool const same =
-        handle_ != closed && ::stat(name, &status) == 0 && status.st_dev == volume_ && status.st_ino == file_;
-    if (!same) {
+    if (handle_ == closed || !isStill(name)) {
         close();
         handle_ = ::open(name, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY, permissions);
-        if (handle_ == closed || ::fstat(descriptor(handle_), &status) != 0) return errno;
-        volume_ = status.st_dev;
-        file_ = status.st_ino;
+        if (handle_ == closed) return errno;
+        FileStatus status;
+        if (int const error = status.get(descriptor(handle_), "", AT_EMPTY_PATH); error != 0) return error;
+        volume_ = status.volume();
+        file_ = status.file();
+        isRegular_ = status.isRegular();
     }
     // What is no regular file has no size.
-    size_ = S_ISREG(status.st_mode) ? static_cast<ulonglong>(status.st_size) : 0;
+    off_t const end = isRegular_ ? ::lseek(descriptor(handle_), 0, SEEK_END) : 0;
+    size_ = end > 0 ? static_cast<ulonglong>(end) : 0;
     return 0;
 }
 
@@ -53,7 +92,9 @@ void AppendFile::truncate(char const *, ulonglong size) noexcept {
 void AppendFile::rest() noexcept {}
 
 void AppendFile::close() noexcept {
-    if (handle_ != closed) ::close(descriptor(handle_));
+    if (handle_ == closed) return;
+    FileWatch::remove(std::exchange(watch_, -1));
+    ::close(descriptor(handle_));
     handle_ = closed;
 }
 
