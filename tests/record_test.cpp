@@ -186,7 +186,7 @@ TEST(Macros, EvaluateOnlyWhatIsWanted) {
     YON_LOG_EVENT(target(), "e", "n", message());
     EXPECT_EQ(loggers * 100 + messages, 604);
     expectParts(lines.take(),
-                {"<lambda>( n = 1 )  ", "[RT][TAG][yon::", "<lambda>] n = 2\n", "[RT] 3\n", "e(n(4))\n"});
+                {"<lambda>( n = 1 ) ", "[RT][TAG][yon::", "<lambda>] n = 2\n", "[RT] 3\n", "e(n(4))\n"});
 }
 
 TEST(Macros, ErrorsCarryPlaceAndText) {
