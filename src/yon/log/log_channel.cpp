@@ -53,7 +53,9 @@ struct AtEnd {
         {
             PatientGuard const guard(ChannelList::lock);
             if (!guard.owns()) return;
+            bool const alone = platform::othersAreGone();
             ChannelList::forEachFile([&](LogFile & f) {
+                if (alone) f.takeOver();
                 f.flush(trouble);
                 f.close();
             });

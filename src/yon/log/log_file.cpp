@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <limits>
+#include <memory>
 #include <mutex>
 #include <utility>
 
@@ -97,6 +98,7 @@ void LogFile::settle(ulonglong target, LogTrouble & trouble) noexcept {
     if (!takeBatch(upTo)) return;
     if (wanted_.load(std::memory_order_relaxed)) writeBatch(trouble);
     back_.clear();
+    origin_ = nowhere;
     back_.shrink();
     settled_.store(upTo, std::memory_order_release);
 }
@@ -138,6 +140,7 @@ std::size_t LogFile::writeLines(LogTrouble & trouble) noexcept {
         do {
             size += back_.length(line++);
         } while (line < end && (!mayMove || takes(start + size, back_.length(line), maxFileSize)));
+        origin_ = static_cast<longlong>(start) - (data - back_.data());
         if (int const error = file_.write(data, size); error != 0) {
             if (!std::exchange(failing_, true)) trouble.failedWrite(name_, error);
             return keepWhole(first, start);
@@ -213,6 +216,24 @@ std::list<String> LogFile::pending() const {
 ulong LogFile::runningSize() const noexcept {
     std::lock_guard const guard(cacheLock_);
     return toLength(static_cast<std::size_t>(running_));
+}
+
+void LogFile::takeOver() noexcept {
+    // A line that was being appended is in the cache as a whole or not at all. The locks are made anew: those who
+    // hold them, or wait for them, are gone.
+    std::construct_at(&cacheLock_);
+    if (!fileLock_.tryLock() && !back_.empty()) {
+        platform::AppendFile file;
+        if (file.open(name_.c_str()) == 0) {
+            auto const all = static_cast<longlong>(back_.bytes());
+            longlong const reached = static_cast<longlong>(file.size()) - origin_;
+            longlong const done = std::clamp<longlong>(origin_ == nowhere ? 0 : reached, 0, all);
+            file.write(back_.data() + done, static_cast<std::size_t>(all - done));
+        }
+        back_.clear();
+        origin_ = nowhere;
+    }
+    std::construct_at(&fileLock_);
 }
 
 void LogFile::close() noexcept {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <limits>
 #include <list>
 
 #include "yon/base/string.h"
@@ -62,6 +63,9 @@ public:
 
     // For a process that ends, crashes or forks.
 
+    /// Ends what a thread was doing that is gone with its locks held, as far as the file does not show that it was
+    /// done. REQUIRES: there are no other threads any more.
+    void takeOver() noexcept;
     /// Closes the file until it is needed again.
     void close() noexcept;
     /// Writes the cached lines without memory, and without waiting for a lock for long. Callable from a signal
@@ -89,7 +93,7 @@ private:
     detail::SystemLock & nameLock_;
 
     mutable detail::SystemLock cacheLock_;
-    LineBatch front_;        ///< the cache
+    LineBatch front_;          ///< the cache
     std::size_t running_ = 0;  ///< bytes that count towards the limit
     std::atomic<ulonglong> appended_{0};
     std::atomic<ulonglong> settled_{0};     ///< of those, how many were written, lost or forgotten
@@ -98,7 +102,9 @@ private:
 
     // Under the file lock.
     detail::SystemLock fileLock_;
-    LineBatch back_;  ///< what is being written
+    static constexpr longlong nowhere = std::numeric_limits<longlong>::max();
+    LineBatch back_;             ///< what is being written
+    longlong origin_ = nowhere;  ///< where in the file its first byte stands, or would if it were in it
     platform::AppendFile file_;
     bool failing_ = false;  ///< told, and not over yet
     bool moveFailing_ = false;
