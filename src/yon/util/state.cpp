@@ -6,6 +6,7 @@
 
 #include "yon/base/leak_checker.h"
 #include "yon/base/time.h"
+#include "yon/base/version_text.h"
 #include "yon/log/dumper.h"
 #include "yon/log/logger_factory.h"
 #include "yon/log/trace_mirror.h"
@@ -36,7 +37,7 @@ void add(Unit & parent, istr name, istr type, T const & value) {
 }
 
 void addProcess(Unit & root) {
-    add(root, "version", "", istr("1.5.8-01"));
+    add(root, "version", "", istr(YON_VERSION_TEXT));
     add(root, "process", "ulong", static_cast<ulong>(platform::currentProcessId()));
     add(root, "time", "", Time::now().toDateTime());
 }
