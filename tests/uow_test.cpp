@@ -246,6 +246,11 @@ TEST(UowMain, IsTheAppAndReadsArguments) {
         program.addChild(second);
         EXPECT_EQ(program.start(), 5);
         EXPECT_EQ(second->calls, "ilf");
+
+        first->act = [](Unit &) { throw 7; };
+        second->calls.clear();
+        EXPECT_THROW(program.start(), int);
+        EXPECT_EQ(second->calls, "");
     }
     EXPECT_EQ(main_uow::instance().get(), nullptr);
 }

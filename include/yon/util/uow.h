@@ -103,7 +103,7 @@ private:
 
 /// The unit that stands for the program, named "main". It is the process's main unit from its construction until it
 /// is destroyed or another one takes its place. Its loop runs the children, one after the other, and ends with the
-/// first exit code of theirs that is not 0.
+/// first exit code of theirs that is not 0; with 1 when one of them lets an exception out, which is logged.
 class YON_API UowMain : public UnitOfWork {
 public:
     UowMain(int argc, char ** argv);

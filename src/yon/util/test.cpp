@@ -129,7 +129,7 @@ int runMain(int argc, char ** argv) {
     auto * const tests = YON_NEW(UowTest)();
     program.addChild(tests);
     try {
-        return program.start();
+        return tests->start();
     } catch (ArgumentException const & e) {
         std::cerr << program.cmdline().cmd() << ": " << e.what() << '\n';
         return statusOfMisuse;

@@ -53,8 +53,14 @@ void UowMain::on_loop() {
     int code = exitCode();
     for (UnitOfWork * const child : children()) {
         if (!running()) return;
-        int const childCode = child->start();
-        if (code == 0) code = childCode;
+        try {
+            int const childCode = child->start();
+            if (code == 0) code = childCode;
+        } catch (...) {
+            // It is logged; what has been done is not done again.
+            stop(1);
+            throw;
+        }
     }
     stop(code);
 }
