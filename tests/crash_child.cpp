@@ -83,9 +83,11 @@ void exitLate() {
     std::atexit([] { YON_LOG_INFO(log(), "from an exit handler"); });
     for (int i = 0; i < 3; ++i) {
         std::thread([] {
-            for (;;) {
+            for (int i = 0;; ++i) {
                 YON_LOG_DATA(log(), "detached\n");
                 YON_DELETE(YON_NEW(int)());
+                // Wine does not survive that threads are ended while they open files at this pace.
+                if (i >= 200) std::this_thread::sleep_for(std::chrono::milliseconds(2));
             }
         }).detach();
     }

@@ -1,4 +1,5 @@
 // A test program whose cases end in every way; framework_test.cpp runs it.
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <thread>
@@ -11,7 +12,9 @@ namespace {
 
 struct Idle : yon::SimpleThread {
     Idle() : SimpleThread(nullptr, "idle") {}
+    bool onBirth() override { return born = true; }
     bool onWait() override { return wait(yon::Time::milliSeconds(20)); }
+    std::atomic<bool> born{false};
 };
 
 YON_TEST_CASE("good", passes) {

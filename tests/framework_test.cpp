@@ -25,7 +25,9 @@ protected:
                                                                        : (status > 255 || status < 0 ? 255 : status);
     }
     static bool has(char const * file, std::string const & text) {
-        return contentOf(file).find(text) != std::string::npos;
+        std::string content = contentOf(file);
+        std::erase(content, '\r');
+        return content.find(text) != std::string::npos;
     }
 
     fs::path const home_ = fs::current_path();

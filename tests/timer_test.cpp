@@ -35,9 +35,12 @@ struct Records final : diagnostics::Sink {
     void leave(diagnostics::Location const &) noexcept override {}
     void callStack(CallStack &) noexcept override {}
 
-    /// Whether these were all, and forgets them. Of a slot only the beginning is compared.
-    void expect(std::vector<std::string> const & beginnings) {
+    /// Whether these were all, and forgets them. Of a slot only the beginning is compared. Two threads may write
+    /// their records in either order.
+    void expect(std::vector<std::string> beginnings) {
         std::lock_guard const lock(mutex_);
+        std::sort(beginnings.begin(), beginnings.end());
+        std::sort(lines_.begin(), lines_.end());
         EXPECT_EQ(lines_.size(), beginnings.size()) << testing::PrintToString(lines_);
         for (std::size_t i = 0; i < std::min(lines_.size(), beginnings.size()); ++i) {
             EXPECT_TRUE(lines_[i].starts_with(beginnings[i])) << lines_[i] << "\ninstead of\n" << beginnings[i];
