@@ -1,6 +1,7 @@
 // Ends in the way that its last argument names: for the tests of reports on crashes and leaks. Before that: "bare"
 // ends without a crash report, "earlier" has handlers of its own, "nolog" has no log file.
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -83,11 +84,11 @@ void exitLate() {
     std::atexit([] { YON_LOG_INFO(log(), "from an exit handler"); });
     for (int i = 0; i < 3; ++i) {
         std::thread([] {
-            for (int i = 0;; ++i) {
+            for (int n = 0;; ++n) {
                 YON_LOG_DATA(log(), "detached\n");
                 YON_DELETE(YON_NEW(int)());
                 // Wine does not survive that threads are ended while they open files at this pace.
-                if (i >= 200) std::this_thread::sleep_for(std::chrono::milliseconds(2));
+                if (n >= 200) std::this_thread::sleep_for(std::chrono::milliseconds(2));
             }
         }).detach();
     }

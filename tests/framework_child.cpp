@@ -36,7 +36,11 @@ YON_TEST_CASE("bad", compares) {
 }
 YON_TEST_CASE("bad", raises) { throw std::runtime_error("let go"); }
 YON_TEST_CASE("bad", leaks) { YON_NEW(int)(7); }
-YON_TEST_CASE("bad", leaves_a_thread) { (new Idle)->start(); }
+YON_TEST_CASE("bad", leaves_a_thread) {
+    Idle * const idle = new Idle;
+    idle->start();
+    while (!idle->born) std::this_thread::yield();
+}
 
 YON_TEST_CASE("fatal", crashes) { std::abort(); }
 YON_TEST_CASE("fatal", hangs) { std::this_thread::sleep_for(std::chrono::hours(1)); }
