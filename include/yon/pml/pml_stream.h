@@ -122,7 +122,7 @@ inline constexpr char const * setterOf<bool volatile> = "yon::pml::Field__<bool 
 template <>
 inline constexpr char const * setterOf<String> = "yon::pml::Field__<class yon::String>::set";
 template <>
-inline constexpr char const * setterOf<unsigned int volatile> = "yon::pml::Field__<unsigned int volatile >::set";
+inline constexpr char const * setterOf<unsigned int volatile> = "yon::pml::Field__<unsigned long volatile >::set";
 template <>
 inline constexpr char const * setterOf<unsigned long volatile> = "yon::pml::Field__<unsigned long volatile >::set";
 template <>

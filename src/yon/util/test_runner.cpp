@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <mutex>
 #include <sstream>
@@ -13,7 +14,7 @@
 #include "yon/base/stopwatch.h"
 #include "yon/log/console.h"
 #include "yon/log/logger_factory.h"
-#include "yon/log/tracer.h"
+#include "yon/platform/process_end.h"
 #include "yon/util/test_leftovers.h"
 
 namespace yon::test {
@@ -63,7 +64,7 @@ void addFailure(String const & failure) {
 char crashText[512];
 
 extern "C" void yonTestCaseCrashed(int signal) {
-    std::fputs(crashText, stderr);
+    platform::tellStandardError(crashText, std::strlen(crashText));
     std::signal(signal, SIG_DFL);
     std::raise(signal);
 }
@@ -105,8 +106,8 @@ private:
         std::unique_lock guard(lock_);
         auto const end = std::chrono::steady_clock::now() + std::chrono::microseconds(limit.toMicroSeconds());
         if (wake_.wait_until(guard, end, [this] { return ended_; })) return;
-        std::fprintf(stderr, "HUNG %s: not done in %lld seconds\n", path.c_str(),
-                     static_cast<long long>(limit.toSeconds()));
+        String const text = "HUNG " + path + ": not done in " + std::to_string(limit.toSeconds()) + " seconds\n";
+        platform::tellStandardError(text.data(), text.size());
         console::flush();
         logger_factory::flush();
         std::_Exit(statusOfSlowness);
