@@ -56,6 +56,8 @@ TEST(Fork, TheChildFindsEveryLockFree) {
     TemporaryDirectory const directory("fork");
     logger_factory::instance("fork.busy").filename(directory.file("busy.log"));
     MemLeakChecker::enable(true);
+    // What is made on first use is there: a child that is forked while another thread makes it waits for that thread.
+    useEverything();
     std::atomic<bool> going{true};
     std::vector<std::thread> busy;
     for (int i = 0; i < 3; ++i) {
