@@ -13,6 +13,10 @@ void codec(stream s, Address & address) { s & field("host", address.host) & fiel
 
 Settings Settings::load(yon::ConfigFile & file) {
     file.load();
+    if (file.empty()) {
+        YON_THROW(yon::InvalidDataException,
+                  file.filename() + ": there is no such file; name one in ZUV_CLI_CFG_FILE");
+    }
     stream const & all = file.mps();
     Settings settings;
     stream node(all["node"]);
