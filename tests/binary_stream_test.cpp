@@ -20,6 +20,7 @@ void * operator new(std::size_t size) {
     if (void * const p = std::malloc(size)) return p;
     throw std::bad_alloc();
 }
+void * operator new(std::size_t size, std::nothrow_t const &) noexcept { return std::malloc(size); }
 void operator delete(void * p) noexcept { std::free(p); }
 void operator delete(void * p, std::size_t) noexcept { std::free(p); }
 

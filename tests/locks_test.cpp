@@ -120,13 +120,13 @@ TEST(Locks, TakeTheirTime) {
     RWRecMutex const rw;
     Lock const lock(mutex), again(mutex);
     Lock const held(monitor);
-    auto const waits = [&](Time const & t) {
+    auto const waits = [&](Time t) {
         return std::vector<std::function<bool()>>{
-            [&] { return semaphore.timedWait(t); },
-            [&] { return cond.timedWait(lock, t); },
-            [&] { return monitor.timedWait(t); },
-            [&] { return elsewhere([&] { return TryReadLock(rw, t).acquired(); }); },
-            [&] { return elsewhere([&] { return TryWriteLock(rw, t).acquired(); }); },
+            [&, t] { return semaphore.timedWait(t); },
+            [&, t] { return cond.timedWait(lock, t); },
+            [&, t] { return monitor.timedWait(t); },
+            [&, t] { return elsewhere([&] { return TryReadLock(rw, t).acquired(); }); },
+            [&, t] { return elsewhere([&] { return TryWriteLock(rw, t).acquired(); }); },
         };
     };
     rw.writeLock();

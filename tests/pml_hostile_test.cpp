@@ -20,6 +20,7 @@ std::atomic<std::size_t> chunks{0};
     if (void * const p = std::malloc(size != 0 ? size : 1)) return p;
     throw std::bad_alloc();
 }
+[[gnu::noinline]] void * operator new(std::size_t size, std::nothrow_t const &) noexcept { return std::malloc(size); }
 [[gnu::noinline]] void operator delete(void * p) noexcept { std::free(p); }
 [[gnu::noinline]] void operator delete(void * p, std::size_t) noexcept { std::free(p); }
 
