@@ -92,8 +92,9 @@ void LogFile::flush(LogTrouble & trouble) noexcept {
 
 /// Writes the cache out, unless another thread has written so many lines meanwhile.
 void LogFile::settle(ulonglong target, LogTrouble & trouble) noexcept {
-    PatientGuard const guard(fileLock_);
-    if (!guard.owns() || settled_.load(std::memory_order_relaxed) >= target) return;
+    auto const settled = [&] { return settled_.load(std::memory_order_acquire) >= target; };
+    PatientGuard const guard(fileLock_, settled);
+    if (!guard.owns() || settled()) return;
     ulonglong upTo = 0;
     if (!takeBatch(upTo)) return;
     if (wanted_.load(std::memory_order_relaxed)) writeBatch(trouble);
@@ -135,25 +136,25 @@ std::size_t LogFile::writeLines(LogTrouble & trouble) noexcept {
             if (!openFile(trouble)) return line;
         }
         std::size_t const first = line;
-        ulonglong const start = file_.size();
         std::size_t size = 0;
         do {
             size += back_.length(line++);
-        } while (line < end && (!mayMove || takes(start + size, back_.length(line), maxFileSize)));
-        origin_ = static_cast<longlong>(start) - (data - back_.data());
+        } while (line < end && (!mayMove || takes(file_.size() + size, back_.length(line), maxFileSize)));
+        origin_ = static_cast<longlong>(file_.size()) - (data - back_.data());
         if (int const error = file_.write(data, size); error != 0) {
             if (!std::exchange(failing_, true)) trouble.failedWrite(name_, error);
-            return keepWhole(first, start);
+            return keepWhole(first);
         }
         data += size;
     }
     return end;
 }
 
-/// Cuts off the part of a line that an interrupted write has left, behind the lines from `first` on that begin at
-/// `start` in the file; returns the first line that is not in it.
-std::size_t LogFile::keepWhole(std::size_t first, ulonglong start) noexcept {
+/// Cuts off the part of a line that an interrupted write has left, behind those of the lines from `first` on that it
+/// has written; returns the first line that is not in the file.
+std::size_t LogFile::keepWhole(std::size_t first) noexcept {
     std::size_t line = first;
+    ulonglong start = file_.start();
     while (start + back_.length(line) <= file_.size()) start += back_.length(line++);
     if (start < file_.size()) file_.truncate(name_.c_str(), start);
     return line;

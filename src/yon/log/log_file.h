@@ -87,7 +87,7 @@ private:
     std::size_t writeLines(LogTrouble & trouble) noexcept;
     bool openFile(LogTrouble & trouble) noexcept;
     bool moveAway(LogTrouble & trouble) noexcept;
-    std::size_t keepWhole(std::size_t first, ulonglong start) noexcept;
+    std::size_t keepWhole(std::size_t first) noexcept;
 
     std::atomic<bool> const & wanted_;
     detail::SystemLock & nameLock_;
