@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "file_testing.h"
+#include "yon/base/time.h"
 #include "yon/log/logger_factory.h"
 
 TEST(LogFork, TheChildDropsTheLinesOfItsParent) {
@@ -44,4 +45,23 @@ TEST(LogFork, TheChildDropsTheLinesOfItsParent) {
         ASSERT_EQ(line.substr(number), std::to_string(next[line.substr(0, number)]++));
     }
     EXPECT_TRUE(next["parent "] == forks && next["child "] == forks && log.counters().rotations == 0);
+}
+
+TEST(LogFork, TheChildKnowsTheTimeOfDay) {
+    std::atomic<bool> end{false};
+    std::thread busy([&] {
+        while (!end) yon::Time::now().toDateTime();
+    });
+    for (int i = 0; i < 100; ++i) {
+        pid_t const child = ::fork();
+        if (child == 0) {
+            ::alarm(20);
+            ::_exit(yon::Time::now().toDateTime().empty() ? 1 : 0);
+        }
+        int status = 0;
+        EXPECT_TRUE(::waitpid(child, &status, 0) == child && status == 0) << i;
+        if (status != 0) break;
+    }
+    end = true;
+    busy.join();
 }
