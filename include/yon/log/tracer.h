@@ -21,6 +21,7 @@ class YON_API tracer {
 public:
     /// The one tracer, made on first use. After `destroy` the next call makes a new one.
     static tracer *& instance();
+    /// Deletes the stacks of all threads, too. The caller sees to it that no other thread uses its own meanwhile.
     static void destroy();
 
     CallStack & callStack();
