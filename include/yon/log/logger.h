@@ -61,9 +61,10 @@ public:
     /// Binds the settings to their keys: writes them to an output stream, takes from an input stream those it has.
     void codec(pml::stream & s);
 
-    /// Sets the file name.
+    /// Sets the file name, and starts the flush timer again after `close`.
     void open(char const * filename);
-    /// Writes out what is cached and ends the flush timer, until `init` or `open`.
+    /// Writes out what is cached and ends the flush timer. Lines that come later are written with those of the
+    /// default logger.
     void close();
     /// Writes both caches to their files. Returns when all lines logged before the call are out.
     void flush();
