@@ -3,9 +3,9 @@
 
 #include <memory>
 #include <random>
-#include <thread>
 
 #include "binary_testing.h"
+#include "thread_testing.h"
 #include "yon/log/dumper.h"
 #include "yon/nbr/input_stream.h"
 #include "yon/nbr/output_stream.h"
@@ -184,16 +184,12 @@ TEST(Nbr, ReadingThreadsShareATree) {
     for (unsigned tag = 0; tag < noTag; ++tag) out.tag(tag) << tag;
     out.endComplex();
     InputStream const in(out.str());
-    std::vector<std::thread> threads;
     std::atomic<unsigned> wrong{0};
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
-            for (unsigned tag = 0, value = 0; tag < noTag; ++tag) {
-                wrong += !in.get()->complexValue()->read(static_cast<unsigned char>(tag), value) || value != tag;
-            }
-        });
-    }
-    for (auto & thread : threads) thread.join();
+    InThreads(4, [&](int) {
+        for (unsigned tag = 0, value = 0; tag < noTag; ++tag) {
+            wrong += !in.get()->complexValue()->read(static_cast<unsigned char>(tag), value) || value != tag;
+        }
+    });
     EXPECT_EQ(wrong, 0u);
 }
 

@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "raise_testing.h"
 #include "yon/base/exception.h"
 #include "yon/log/dumper.h"
 
@@ -65,26 +66,20 @@ TEST(StringRef, WritesInsideItsBuffer) {
 TEST(StringRef, RefusesToLeaveTheBuffer) {
     char room[4];
     StringRef r(room, 4, 4);
-    struct Row {
+    struct {
         void (*move)(StringRef &);
-        unsigned int line;
-        char const * func;
+        char const * place;
+    } const rows[] = {
+        {[](StringRef & s) { ++s; }, "195 yon::StringRef::operator`++'"},
+        {[](StringRef & s) { s++; }, "195 yon::StringRef::operator`++'"},
+        {[](StringRef & s) { s.advance(1); }, "217 yon::StringRef::advance"},
+        {[](StringRef & s) { s.advance(npos - 1); }, "217 yon::StringRef::advance"},
+        {[](StringRef & s) { StringRef(s).rewind(9).advance(0); }, "217 yon::StringRef::advance"},
     };
-    for (Row const & row :
-         {Row{[](StringRef & s) { ++s; }, 195, "yon::StringRef::operator`++'"},
-          {[](StringRef & s) { s++; }, 195, "yon::StringRef::operator`++'"},
-          {[](StringRef & s) { s.advance(1); }, 217, "yon::StringRef::advance"},
-          {[](StringRef & s) { s.advance(npos - 1); }, 217, "yon::StringRef::advance"},
-          {[](StringRef & s) { StringRef(s).rewind(9).advance(0); }, 217, "yon::StringRef::advance"}}) {
-        try {
-            row.move(r);
-            ADD_FAILURE() << row.func;
-        } catch (OutOfRangeException const & e) {
-            EXPECT_STREQ(e.msg(), "OutOfRangeException: OutOfRangeException");
-            EXPECT_STREQ(e.file(), "include/yon/string/string_ref");
-            EXPECT_EQ(e.line(), row.line);
-            EXPECT_STREQ(e.func(), row.func);
-        }
+    for (auto const & row : rows) {
+        EXPECT_EQ(raisedAt<OutOfRangeException>([&] { row.move(r); }),
+                  std::string("include/yon/string/string_ref:") + row.place);
+        EXPECT_EQ(raised([&] { row.move(r); }), "OutOfRangeException: OutOfRangeException");
         EXPECT_EQ(r.size(), 4u) << "a refused move changes nothing";
     }
 }
