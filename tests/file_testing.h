@@ -1,6 +1,7 @@
-// Files for tests.
+// Files and programs for tests.
 #pragma once
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -26,6 +27,29 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+/// One that the test works in.
+class WorkingDirectory : public TemporaryDirectory {
+public:
+    explicit WorkingDirectory(std::string const & name) : TemporaryDirectory(name) {
+        std::filesystem::current_path(file(""));
+    }
+    ~WorkingDirectory() { std::filesystem::current_path(home_); }
+
+private:
+    std::filesystem::path const home_ = std::filesystem::current_path();
+};
+
+/// A program from anywhere, for shell commands. No blanks are in the path, so that no shell needs quotes.
+inline std::string programPath(std::string const & program) {
+    return std::filesystem::absolute(program).make_preferred().string();
+}
+
+/// The exit status of a shell command: the status itself, or as the system's wait delivers it.
+inline int statusOf(std::string const & command) {
+    int const status = std::system(command.c_str());
+    return status > 255 ? status / 256 : status;
+}
 
 inline std::string contentOf(std::string const & name) {
     std::ifstream in(name, std::ios::binary);

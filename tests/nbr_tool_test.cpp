@@ -1,34 +1,20 @@
 // The command-line tool nbr.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
 #include "binary_testing.h"
+#include "file_testing.h"
 #include "nbr_commands.h"
+#include "tool_testing.h"
 #include "yon/nbr/verify.h"
 
 namespace {
 
-using Words = std::vector<std::string>;
 using yon::hex;
 using yon::unhex;
 
-struct Result {
-    int status;
-    std::string out;
-    std::string err;
-};
-
 /// Runs the tool within this program.
 Result nbr(Words const & arguments, std::string const & input = "") {
-    std::istringstream in(input);
-    std::ostringstream out, err;
-    nbrtool::Console console{in, out, err};
-    int const status = nbrtool::run(arguments, console);
-    return {status, out.str(), err.str()};
+    return runTool(&nbrtool::run, arguments, input);
 }
 
 TEST(NbrTool, DumpShowsOffsetsTagsSizesAndWhatTheBytesMayMean) {
@@ -134,12 +120,9 @@ TEST(NbrTool, AMillionNestedValuesCostTimeAndMemoryAsTheyAreLarge) {
 }
 
 TEST(NbrTool, TheProgram) {
-    namespace fs = std::filesystem;
-    fs::create_directory("nbr_tool_test.dir");
-    fs::current_path("nbr_tool_test.dir");
-    // On Windows the command interpreter wants its own slashes.
-    std::string const program = fs::relative(YON_NBR_PROGRAM).make_preferred().string();
-    std::ofstream("text", std::ios::binary) << "n(('a\r\n\x1A')(:int(10)))";
+    WorkingDirectory const directory("nbr-tool");
+    std::string const program = programPath(YON_NBR_PROGRAM);
+    writeFile("text", "n(('a\r\n\x1A')(:int(10)))");
     std::pair<char const *, int> const rows[] = {{"from-pml text > bytes", 0},
                                                  {"to-pml - < bytes > again", 0},
                                                  {"from-pml again > bytes2", 0},
@@ -149,17 +132,11 @@ TEST(NbrTool, TheProgram) {
                                                  {"to-pml --help > out", 0},
                                                  {"to-pml a b 2> err", 2}};
     for (auto const & [arguments, wanted] : rows) {
-        int const status = std::system((program + ' ' + arguments).c_str());
-        EXPECT_EQ(status > 255 ? status / 256 : status, wanted) << arguments;
+        EXPECT_EQ(statusOf(program + ' ' + arguments), wanted) << arguments;
     }
     for (char const * file : {"bytes", "bytes2"}) {
-        std::ifstream in(file, std::ios::binary);
-        std::string const bytes{std::istreambuf_iterator<char>(in), {}};
-        EXPECT_EQ(hex(bytes), "F1 04 61 0D 0A 1A FF 01 28 FF 01 01 0A FF 01 29");
+        EXPECT_EQ(hex(contentOf(file)), "F1 04 61 0D 0A 1A FF 01 28 FF 01 01 0A FF 01 29");
     }
-    fs::current_path("..");
-    std::error_code ignored;
-    fs::remove_all("nbr_tool_test.dir", ignored);
 }
 
 }  // namespace

@@ -1,16 +1,14 @@
 // The command-line tool pml: its parts, its commands, and the program itself.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <random>
-#include <sstream>
 
 #include "commands.h"
 #include "examine.h"
+#include "file_testing.h"
 #include "number_rules.h"
 #include "replace_file.h"
+#include "tool_testing.h"
 #include "walk.h"
 #include "yon/pml/pml_writer.h"
 
@@ -19,52 +17,16 @@ namespace {
 namespace fs = std::filesystem;
 using pmltool::Token;
 using yon::pml::Unit;
-using Words = std::vector<std::string>;
-
-std::string readFile(fs::path const & file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-void writeFile(fs::path const & file, std::string const & text) { std::ofstream(file, std::ios::binary) << text; }
-
-struct Result {
-    int status;
-    std::string out;
-    std::string err;
-};
 
 /// Runs the tool within this program.
 Result pml(Words const & arguments, std::string const & input = "") {
-    std::istringstream in(input);
-    std::ostringstream out, err;
-    pmltool::Console console{in, out, err};
-    int const status = pmltool::run(arguments, console);
-    return {status, out.str(), err.str()};
+    return runTool(&pmltool::run, arguments, input);
 }
 
-/// The tests run in an empty directory of their own.
 class PmlTool : public testing::Test {
 protected:
-    void SetUp() override {
-        fs::remove_all(directory());
-        fs::create_directory(directory());
-        fs::current_path(directory());
-    }
-    void TearDown() override {
-        fs::current_path(home());
-        std::error_code ignored;
-        fs::remove_all(directory(), ignored);
-    }
-    static fs::path const & home() {
-        static fs::path const path = fs::current_path();
-        return path;
-    }
-    static fs::path directory() { return home() / "pml_tool_test.dir"; }
-
-    static std::size_t filesHere() {
-        return static_cast<std::size_t>(std::distance(fs::directory_iterator("."), fs::directory_iterator()));
-    }
+    WorkingDirectory const directory_{"pml-tool"};
+    static auto filesHere() { return std::distance(fs::directory_iterator("."), fs::directory_iterator()); }
 };
 
 std::string const exampleFile = std::string(YON_SOURCE_DIR) + "/examples/config/p2p_config.pml";
@@ -231,80 +193,51 @@ TEST_F(PmlTool, CommandsPrintWhatIsAskedFor) {
     writeFile("a.pml", "r(n:int(5) t('it\\'s\n(x)') l(:e(a(1)b(2)) :e()) (' u '))");
     writeFile("b.pml", "r((' u ')t('it\\'s\n(x)') n:int(6) l(:e(a(1)b(3)))z(1))");
     struct {
-        Words arguments;
-        int status;
-        std::string out;
-        std::string err;
+        char const * arguments;
+        char const * out;
+        char const * err = "";
+        int status = 0;
     } const rows[] = {
-        {{"get", "a.pml", "/n"}, 0, "5\n", ""},
-        {{"get", "a.pml", "t"}, 0, "it's\n(x)\n", ""},
-        {{"get", "a.pml", "l[0]/b"}, 0, "2\n", ""},
-        {{"get", "a.pml", "/l/[1]"}, 0, "\n", ""},
-        {{"get", "a.pml", "[3]"}, 0, " u \n", ""},
-        {{"get", "a.pml", "/l"}, 0, "l(\n    :e(\n        a(1)\n        b(2)\n    )\n    :e()\n)\n", ""},
-        {{"get", "a.pml", "/l[2]"}, 1, "", "a.pml: /l[2]: no such node\n"},
-        {{"ls", "a.pml"},
-         0,
-         "/              (4 children)\n"
-         "/n        int  5\n"
-         "/t             'it\\'s\\n(x)'\n"
-         "/l             (2 children)\n"
-         "/l/[0]    e    (2 children)\n"
-         "/l/[0]/a       1\n"
-         "/l/[0]/b       2\n"
-         "/l/[1]    e\n"
-         "/[3]            u\n",
-         ""},
-        {{"ls", "a.pml", "/l/[0]/a"}, 0, "/l/[0]/a  1\n", ""},
-        {{"diff", "a.pml", "b.pml"},
-         1,
-         "- /[3]  u \n"
-         "+ /[0]  u \n"
-         "+ /z 1\n"
-         "- /n:int 5\n"
-         "+ /n:int 6\n"
-         "- /l/[1]:e \n"
-         "- /l/[0]/b 2\n"
-         "+ /l/[0]/b 3\n",
-         ""},
-        {{"diff", "a.pml", "a.pml"}, 0, "", ""},
-        {{"fmt", "--mode", "compact", "a.pml"}, 0, "r(n:int(5)t('it\\'s\n(x)')l(:e(a(1)b(2)):e())(' u '))\n", ""},
-        {{"fmt", "--mode", "mixed", "a.pml"},
-         0,
-         "r(n:int(5)t('it\\'s\n(x)')l(\n        :e(    a(1)    b(2))\n        :e()\n)(' u '))\n",
-         ""},
-        {{"check", "a.pml", "none.pml", "b.pml"},
-         1,
-         "",
+        {"get a.pml /n", "5\n"},
+        {"get a.pml t", "it's\n(x)\n"},
+        {"get a.pml l[0]/b", "2\n"},
+        {"get a.pml /l/[1]", "\n"},
+        {"get a.pml [3]", " u \n"},
+        {"get a.pml /l", "l(\n    :e(\n        a(1)\n        b(2)\n    )\n    :e()\n)\n"},
+        {"get a.pml /l[2]", "", "a.pml: /l[2]: no such node\n", 1},
+        {"ls a.pml",
+         "/              (4 children)\n/n        int  5\n/t             'it\\'s\\n(x)'\n/l             (2 children)\n"
+         "/l/[0]    e    (2 children)\n/l/[0]/a       1\n/l/[0]/b       2\n/l/[1]    e\n/[3]            u\n"},
+        {"ls a.pml /l/[0]/a", "/l/[0]/a  1\n"},
+        {"diff a.pml b.pml",
+         "- /[3]  u \n+ /[0]  u \n+ /z 1\n- /n:int 5\n+ /n:int 6\n- /l/[1]:e \n- /l/[0]/b 2\n+ /l/[0]/b 3\n", "", 1},
+        {"diff a.pml a.pml", ""},
+        {"fmt --mode compact a.pml", "r(n:int(5)t('it\\'s\n(x)')l(:e(a(1)b(2)):e())(' u '))\n"},
+        {"fmt --mode mixed a.pml",
+         "r(n:int(5)t('it\\'s\n(x)')l(\n        :e(    a(1)    b(2))\n        :e()\n)(' u '))\n"},
+        {"check a.pml none.pml b.pml", "",
          "a.pml:2:29: warning: this text begins or ends with a blank, and keeps it only in quotes\n"
          "none.pml: No such file or directory\n"
-         "b.pml:1:4: warning: this text begins or ends with a blank, and keeps it only in quotes\n"},
-        {{"check", "[none]"}, 1, "", "./[none]: No such file or directory\n"},
+         "b.pml:1:4: warning: this text begins or ends with a blank, and keeps it only in quotes\n",
+         1},
+        {"check [none]", "", "./[none]: No such file or directory\n", 1},
     };
     for (auto const & row : rows) {
-        Result const result = pml(row.arguments);
-        std::string const shown = testing::PrintToString(row.arguments);
-        EXPECT_EQ(result.out, row.out) << shown;
-        EXPECT_EQ(result.err, row.err) << shown;
-        EXPECT_EQ(result.status, row.status) << shown;
+        SCOPED_TRACE(row.arguments);
+        Result const result = pml(wordsOf(row.arguments));
+        EXPECT_EQ(result.out, row.out);
+        EXPECT_EQ(result.err, row.err);
+        EXPECT_EQ(result.status, row.status);
     }
-    for (Words const & arguments : {Words{},
-                                    {"bogus"},
-                                    {"get", "a.pml"},
-                                    {"get", "a.pml", "/n", "x"},
-                                    {"fmt", "--bogus", "a.pml"},
-                                    {"fmt", "--mode", "bogus", "a.pml"},
-                                    {"fmt", "--in-place", "-"},
-                                    {"diff", "-", "-"}}) {
-        Result const result = pml(arguments);
-        EXPECT_EQ(result.status, 2) << testing::PrintToString(arguments);
-        EXPECT_NE(result.err.find("Usage: pml"), std::string::npos) << testing::PrintToString(arguments);
-        EXPECT_EQ(result.out, "");
+    for (char const * wrong : {"", "bogus", "get a.pml", "get a.pml /n x", "fmt --bogus a.pml",
+                               "fmt --mode bogus a.pml", "fmt --in-place -", "diff - -"}) {
+        Result const result = pml(wordsOf(wrong));
+        EXPECT_TRUE(result.status == 2 && result.out.empty()) << wrong;
+        EXPECT_NE(result.err.find("Usage: pml"), std::string::npos) << wrong;
     }
-    for (char const * command : {"fmt", "check", "get", "set", "ls", "diff"}) {
+    for (std::string const command : {"fmt", "check", "get", "set", "ls", "diff"}) {
         Result const result = pml({command, "--help"});
-        EXPECT_EQ(result.status, 0);
-        EXPECT_NE(result.out.find(std::string("Usage: pml ") + command), std::string::npos);
+        EXPECT_TRUE(result.status == 0 && result.out.find("Usage: pml " + command) != std::string::npos);
     }
 }
 
@@ -329,7 +262,7 @@ TEST_F(PmlTool, FormatLosesNothingUnasked) {
         Result const result = pml(arguments);
         EXPECT_EQ(result.err, error) << input;
         EXPECT_EQ(result.status, error.empty() ? 0 : 1) << input;
-        EXPECT_EQ(readFile("f"), error.empty() ? "a(1)\n" : input) << input;
+        EXPECT_EQ(contentOf("f"), error.empty() ? "a(1)\n" : input) << input;
     }
     for (char const * layout : layouts) {
         Result const once = pml({"fmt", "--mode", layout, exampleFile});
@@ -372,7 +305,7 @@ TEST_F(PmlTool, SetChangesOneNodeAndNothingElse) {
         Result const result = pml(arguments);
         std::string expected = document;
         if (!row.before.empty()) expected.replace(document.find(row.before), row.before.size(), row.after);
-        EXPECT_EQ(readFile("f"), expected) << row.path;
+        EXPECT_EQ(contentOf("f"), expected) << row.path;
         EXPECT_EQ(result.err, row.before.empty() ? row.after : "") << row.path;
         EXPECT_EQ(result.status, row.before.empty() ? 1 : 0) << row.path;
         EXPECT_EQ(result.out, "");
@@ -397,7 +330,7 @@ TEST_F(PmlTool, FilesAreReplacedInOneStep) {
     fs::create_symlink("f", "link", linked);  // which not every system can
     std::size_t const files = filesHere();
     EXPECT_EQ(pml({"set", linked ? "f" : "link", "/", "2"}).err, "");
-    EXPECT_EQ(readFile("f"), "a(2)");
+    EXPECT_EQ(contentOf("f"), "a(2)");
     EXPECT_EQ(fs::status("f").permissions(), permissions);
     EXPECT_TRUE(linked || fs::is_symlink("link"));
     EXPECT_EQ(filesHere(), files);
@@ -411,9 +344,9 @@ TEST_F(PmlTool, FilesAreReplacedInOneStep) {
     EXPECT_EQ(pml({"set", "f", "/", "3"}).err, "f: File exists\n");
     fs::remove("f.new7");
     EXPECT_EQ(pml({"set", "f", "/", "3"}).err, "");
-    EXPECT_EQ(readFile("f"), "a(3)");
+    EXPECT_EQ(contentOf("f"), "a(3)");
     EXPECT_FALSE(fs::exists("f.new7"));
-    EXPECT_EQ(readFile("f.new8"), "old");
+    EXPECT_EQ(contentOf("f.new8"), "old");
 }
 
 TEST_F(PmlTool, DepthAndWidthAreLimitedByMemoryOnly) {
@@ -441,8 +374,7 @@ TEST_F(PmlTool, DepthAndWidthAreLimitedByMemoryOnly) {
 }
 
 TEST_F(PmlTool, RunsAsAProgram) {
-    // The path has no blanks, so that no shell needs quotes.
-    std::string const program = fs::relative(fs::absolute(YON_PML_PROGRAM)).make_preferred().string();
+    std::string const program = programPath(YON_PML_PROGRAM);
     writeFile("f", "a(x(1)\r\n y('2\r\n'))\r\n");
     writeFile("bad", "a(x:1)");
     struct {
@@ -461,13 +393,11 @@ TEST_F(PmlTool, RunsAsAProgram) {
         {"ls", 2, "", pml({"ls"}).err},
     };
     for (auto const & row : rows) {
-        int const status = std::system((program + ' ' + row.arguments + " > out 2> err").c_str());
-        // Either the status itself, or as the system's wait delivers it.
-        EXPECT_EQ(status > 255 ? status / 256 : status, row.status) << row.arguments;
-        EXPECT_EQ(readFile("out"), row.out) << row.arguments;
-        EXPECT_EQ(readFile("err"), row.err) << row.arguments;
+        EXPECT_EQ(statusOf(program + ' ' + row.arguments + " > out 2> err"), row.status) << row.arguments;
+        EXPECT_EQ(contentOf("out"), row.out) << row.arguments;
+        EXPECT_EQ(contentOf("err"), row.err) << row.arguments;
     }
-    EXPECT_EQ(readFile("f"), "a(x(5)\r\n y('2\r\n'))\r\n");
+    EXPECT_EQ(contentOf("f"), "a(x(5)\r\n y('2\r\n'))\r\n");
 }
 
 }  // namespace
