@@ -6,14 +6,12 @@
 #include <cstdio>
 #include <functional>
 #include <limits>
-#include <locale>
 #include <random>
-#include <sstream>
 
+#include "raise_testing.h"
 #include "yon/base/bytes.h"
 #include "yon/base/exception.h"
 #include "yon/base/leak_checker.h"
-#include "yon/log/dumper.h"
 #include "yon/string/byte_ref.h"
 #include "yon/string/printf.h"
 #include "yon/string/string_buffer.h"
@@ -24,12 +22,7 @@ namespace {
 
 TEST(StringSliceTest, ReadsToTheEndAndNotBeyond) {
     StringSlice s("abc");
-    EXPECT_EQ(*s, 'a');
-    EXPECT_EQ(*s++, 'a');
-    EXPECT_EQ(*++s, 'c');
-    EXPECT_EQ(s.cursor(), 2u);
-    EXPECT_EQ(s.rest(), "c");
-    EXPECT_EQ(s.str(), "abc");
+    EXPECT_TRUE(*s++ == 'a' && *++s == 'c' && s.cursor() == 2 && s.rest() == "c" && s.str() == "abc");
     for (ulong const n : {ulong{2}, npos, npos - 1}) EXPECT_THROW(s.advance(n), OutOfRangeException);
     EXPECT_EQ(s.left(), 1u);
     EXPECT_TRUE(s.advance(1).empty());
@@ -40,18 +33,13 @@ TEST(StringSliceTest, ReadsToTheEndAndNotBeyond) {
         EXPECT_THROW(++end, OutOfRangeException);
         EXPECT_THROW(end++, OutOfRangeException);
     }
-    std::ostringstream os;
-    dumper d(os, true);
-    StringSlice("abc").advance(1).dump(d);
-    EXPECT_EQ(os.str(), "{\"abc\", 1}");
 }
 
 TEST(ByteRefTest, TakesTheWantedBitsOfOneByte) {
     StringSlice s("\xAB\xAB");
     unsigned char byte = 0;
-    EXPECT_EQ(&ByteRef(byte, 0x0F)(s), &s);
+    ByteRef(byte, 0x0F)(s);
     EXPECT_EQ(byte, 0x0B);
-    EXPECT_EQ(s.cursor(), 1u);
     ByteRef(byte, 0xFF)(s);
     EXPECT_EQ(byte, 0xAB);
     EXPECT_THROW(ByteRef(byte, 0)(s), OutOfRangeException);
@@ -66,38 +54,27 @@ TEST(StringBufferTest, AgreesWithAString) {
         for (auto steps = random() % 60; steps > 0; --steps) {
             char const c = static_cast<char>(random());
             ulong const n = static_cast<ulong>(random() % 70);
-            switch (random() % 8) {
-                case 0:
-                    buffer.append(c), model += c;
-                    break;
-                case 1:
-                    buffer.append(c, n), model.append(n, c);
-                    break;
-                case 2:
-                    buffer.append(static_cast<int>(n)).append(0.1f).append(true), model += std::to_string(n) + "0.11";
-                    break;
-                case 3:
-                    buffer.append(std::string(n, c)), model.append(n, c);
-                    break;
-                case 4:
-                    std::fill_n(buffer.extend(n), n, c), model.append(n, c);
-                    break;
-                case 5: {
-                    ulong const at = static_cast<ulong>(random() % (model.size() + 1));
-                    model += model.substr(at, n);
-                    buffer.append(buffer.str().substr(at, n));
-                    break;
-                }
-                case 6: {
-                    StringBuffer copy(buffer);
-                    copy = static_cast<StringBuffer const &>(copy);
-                    buffer = StringBuffer("moved away"[0] == 'm' ? 3 : 0);
-                    EXPECT_TRUE(buffer.empty());
-                    buffer = copy;
-                    break;
-                }
-                default:
-                    buffer.append(wstring{'w'}).append("text").append(nullptr).append("12", 1), model += "wtext1";
+            auto const action = random() % 7;
+            if (action == 0) {
+                buffer.append(c).append(c, n), model.append(n + 1, c);
+            } else if (action == 1) {
+                buffer.append(static_cast<int>(n)).append(0.1f).append(true), model += std::to_string(n) + "0.11";
+            } else if (action == 2) {
+                buffer.append(std::string(n, c)), model.append(n, c);
+            } else if (action == 3) {
+                std::fill_n(buffer.extend(n), n, c), model.append(n, c);
+            } else if (action == 4) {
+                ulong const at = static_cast<ulong>(random() % (model.size() + 1));
+                model += model.substr(at, n);
+                buffer.append(buffer.str().substr(at, n));
+            } else if (action == 5) {
+                StringBuffer copy(buffer);
+                copy = static_cast<StringBuffer const &>(copy);
+                buffer = StringBuffer(3);
+                EXPECT_TRUE(buffer.empty());
+                buffer = copy;
+            } else {
+                buffer.append(wstring{'w'}).append("text").append(nullptr).append("12", 1), model += "wtext1";
             }
             ASSERT_EQ(buffer.str(), model);
             ASSERT_LE(buffer.size(), buffer.capacity());
@@ -123,12 +100,9 @@ TEST(StringBufferTest, GrowsSeldomAndIsKnownToTheLeakChecker) {
         EXPECT_LE(growths, 20);
         EXPECT_EQ(MemLeakChecker::count(), before + 1);
         EXPECT_THROW(buffer.extend(npos - 5), std::length_error);
-        EXPECT_EQ(buffer.size(), 1000000u);
         StringBuffer other(7);
-        EXPECT_GE(other.capacity(), 7u);
         other.append("other").swap(buffer);
-        EXPECT_EQ(buffer.str(), "other");
-        EXPECT_EQ(other.size(), 1000000u);
+        EXPECT_TRUE(buffer.str() == "other" && other.size() == 1000000);
     }
     EXPECT_EQ(MemLeakChecker::count(), before);
     MemLeakChecker::enable(false);
@@ -188,9 +162,9 @@ TEST(PrintfTest, FormatsAsTheCLibrary) {
             ASSERT_EQ(Printf(format, real), snprintfText(format, real)) << format;
         }
         std::string const text(static_cast<std::size_t>(random() % 30), 't');
-        std::string const s = randomConversion(random, "-", "", 's');
+        std::string const s = randomConversion(random, "-", "", 's'),
+                          c = randomConversion(random, "-", "", 'c', false);
         ASSERT_EQ(Printf(s, text), snprintfText(s, text.c_str())) << s;
-        std::string const c = randomConversion(random, "-", "", 'c', false);
         ASSERT_EQ(Printf(c, static_cast<char>(i)), snprintfText(c, static_cast<char>(i))) << c;
         int const width = static_cast<int>(random() % 40) - 20;
         int const precision = static_cast<int>(random() % 40) - 20;
@@ -233,16 +207,13 @@ TEST(PrintfTest, KnowsTheTypesOfItsArguments) {
          "   0xabc|0x1     |0x0"},
     };
     for (auto const & row : rows) EXPECT_EQ(row.text, row.expected);
-    std::ostringstream os;
-    os << Printf("%d", 1);
-    EXPECT_EQ(os.str(), "1");
     EXPECT_EQ(istr(Printf("%s", std::string("a\0b", 3))).size(), 3u);
 }
 
 TEST(PrintfTest, RefusesWhatDoesNotFit) {
     struct {
         std::function<void()> call;
-        char const * message;
+        std::string message;
     } const rows[] = {
         {[] { Printf("a %5d b", "text"); }, "\"%5d\" does not take argument 1, which is text"},
         {[] { Printf("%d %s", 1, 2); }, "\"%s\" does not take argument 2, which is an integer"},
@@ -260,21 +231,13 @@ TEST(PrintfTest, RefusesWhatDoesNotFit) {
         {[] { Printf("%.-5d", 1); }, "\"%.-\" is no conversion"},
         {[] { Printf("100%"); }, "\"%\" is no conversion"},
         {[] { Printf("%-5.3ll"); }, "\"%-5.3ll\" is no conversion"},
-        {[] { Printf("%99999999999999999999d", 1); },
-         "\"%99999999999999999999\": this width or precision is too large"},
-        {[] { Printf("%*d", std::numeric_limits<long long>::min(), 1); },
-         "\"%*\": this width or precision is too large"},
-        {[] { Printf("%.*d", std::numeric_limits<unsigned long long>::max(), 1); },
-         "\"%.*\": this width or precision is too large"},
+        {[] { Printf("%9999999999d", 1); }, "\"%9999999999\": this width or precision is too large"},
+        {[] { Printf("%*d", LLONG_MIN, 1); }, "\"%*\": this width or precision is too large"},
+        {[] { Printf("%.*d", ULLONG_MAX, 1); }, "\"%.*\": this width or precision is too large"},
     };
     for (auto const & row : rows) {
-        try {
-            row.call();
-            ADD_FAILURE() << row.message;
-        } catch (InvalidDataException const & e) {
-            EXPECT_EQ(e.what(), "InvalidDataException: " + std::string(row.message));
-            EXPECT_STREQ(e.func(), "yon::Printf::Printf");
-        }
+        EXPECT_EQ(raised<InvalidDataException>(row.call), "InvalidDataException: " + row.message);
+        EXPECT_TRUE(raisedAt<InvalidDataException>(row.call).ends_with(" yon::Printf::Printf"));
     }
 }
 
