@@ -66,20 +66,16 @@ TEST(Dumper, WritesEveryScalarDecoratedAndPlain) {
         char const * expected;
         char const * expectedPlain;
     } const rows[] = {
-        {dumped(true) + dumped(false), plain(true) + plain(false), "truefalse", "10"},
-        {dumped('a'), plain('a'), "'a'", "a"},
-        {dumped('\n') + dumped('\''), plain('\n'), "'<LF>''''", "\n"},
+        {dumped(true, false), plain(true) + plain(false), "truefalse", "10"},
+        {dumped('a', '\n', '\''), plain('\n'), "'a''<LF>''''", "\n"},
         {dumped(static_cast<unsigned char>(200)), plain(static_cast<unsigned char>('b')), "'\\310'", "b"},
         {dumped(static_cast<signed char>(27)), plain(static_cast<signed char>('c')), "'<ESC>'", "c"},
-        {dumped(short{-1}) + dumped(ushort{2}), plain(short{-1}) + plain(ushort{2}), "-12", "-12"},
-        {dumped(-1) + dumped(2u), plain(-1) + plain(2u), "-12", "-12"},
-        {dumped(-1L) + dumped(2uL), plain(-1L) + plain(2uL), "-12", "-12"},
-        {dumped(-1LL) + dumped(2uLL), plain(-1LL) + plain(2uLL), "-12", "-12"},
-        {dumped(slong{-1}) + dumped(ulong{2}), plain(slong{-1}) + plain(ulong{2}), "-12", "-12"},
-        {dumped(0.5f) + dumped(3.14159265), plain(0.5f) + plain(3.14159265), "0.53.14159", "0.53.14159"},
+        {dumped(short{-1}, ushort{2}), plain(short{-1}) + plain(ushort{2}), "-12", "-12"},
+        {dumped(-1, 2u, slong{-1}, ulong{2}), plain(-1) + plain(2u), "-12-12", "-12"},
+        {dumped(-1L, 2uL, -1LL, 2uLL), plain(-1L) + plain(2uLL), "-12-12", "-12"},
+        {dumped(0.5f, 3.14159265), plain(0.5f) + plain(3.14159265), "0.53.14159", "0.53.14159"},
         {dumped(static_cast<void *>(nullptr)), plain(static_cast<int const *>(nullptr)), "0", "0"},
-        {dumped(green), plain(green), "1", "1"},
-        {dumped(Printed()), plain(Printed()), "printed", "printed"},
+        {dumped(green, Printed()), plain(green) + plain(Printed()), "1printed", "1printed"},
         {dumped(Bit(true), Char('a'), Byte('b'), Long(-5)), plain(Ulong(5)), "true'a''b'-5", "5"},
         {dumped(Double(0.1)), plain(Float(0.1f)), "0.1", "0.1"},
     };
@@ -87,10 +83,6 @@ TEST(Dumper, WritesEveryScalarDecoratedAndPlain) {
         EXPECT_EQ(row.decorated, row.expected);
         EXPECT_EQ(row.plain, row.expectedPlain);
     }
-    int const n = 0;
-    std::ostringstream address;
-    address << static_cast<void const *>(&n);
-    EXPECT_EQ(dumped(&n), address.str());
     dumper d;
     d.internal_stream() << std::hex << std::showbase;
     d << 255;
@@ -128,21 +120,18 @@ TEST(Dumper, QuotesAndEscapesText) {
     // One text, whatever holds it.
     char array[] = "abc";
     unsigned char const bytes[] = "abc";
-    std::string const quoted = "\"abc\"";
-    EXPECT_EQ(dumped("abc"), quoted);
-    EXPECT_EQ(dumped(array) + dumped(bytes) + dumped(+array) + dumped(+bytes), quoted + quoted + quoted + quoted);
-    EXPECT_EQ(dumped(istr("abc")) + dumped(String("abc")) + dumped(Bytes("abc")), quoted + quoted + quoted);
-    EXPECT_EQ(dumped(std::string("abc")) + dumped(std::string_view("abc")) + dumped(Str(array, 4)),
-              quoted + quoted + quoted);
-    EXPECT_EQ(dumped(static_cast<char const *>(nullptr)) + dumped(istr()), "");
+    EXPECT_EQ(dumped("abc", array, bytes, +array, +bytes, Str(array, 4)),
+              "\"abc\"\"abc\"\"abc\"\"abc\"\"abc\"\"abc\"");
+    EXPECT_EQ(dumped(istr("abc"), String("abc"), Bytes("abc"), std::string("abc"), std::string_view("abc")),
+              "\"abc\"\"abc\"\"abc\"\"abc\"\"abc\"");
+    EXPECT_EQ(dumped(static_cast<char const *>(nullptr), istr()), "");
     EXPECT_EQ(plain("a\n\1") + plain(istr()) + plain(String("\"")) + plain(std::string(300, 'x')),
               "a\n\1\"" + std::string(300, 'x'));
 }
 
 TEST(Dumper, WritesWideTextAndTimes) {
     wstring const wide = {'a', 'b'};
-    EXPECT_EQ(dumped(wide) + dumped(wide.c_str()) + dumped(iwstr(wide, 1)) + dumped(wstring()),
-              "\"ab\"\"ab\"\"a\"\"\"");
+    EXPECT_EQ(dumped(wide, wide.c_str(), iwstr(wide, 1), wstring()), "\"ab\"\"ab\"\"a\"\"\"");
     EXPECT_EQ(plain(wide) + plain(wide.c_str()) + plain(iwstr()), "abab");
     Time const time = Time::seconds(1000000000);
     EXPECT_EQ(plain(time), time.toDateTime());
@@ -150,7 +139,6 @@ TEST(Dumper, WritesWideTextAndTimes) {
 }
 
 TEST(Dumper, LaysOutBlocksInLinesOrInOne) {
-    EXPECT_EQ(dumped(Point()), "@app::Point {\n    x = 1\n    name() = \"p\"\n}");
     EXPECT_EQ(
         dumped(Pair()),
         "@Pair {\n    n_ = 1\n    first = @app::Point {\n        x = 1\n        name() = \"p\"\n    }\n    m_ = 2\n"
@@ -196,8 +184,6 @@ TEST(Dumper, DumpsStandardContainers) {
         {ROW((std::map<String, String>{{"k", "v"}})), "{k : \"v\"}", "@yon::map {\n    k : \"v\"\n}"},
         {ROW((std::multimap<int, bool>{{1, true}, {1, false}})), "{1 : true, 1 : false}",
          "@yon::multimap {\n    1 : true\n    1 : false\n}"},
-        {ROW((std::map<Long, Point>{{7, Point()}})), "{7 : {1, \"p\"}}",
-         "@yon::map {\n    7 : @app::Point {\n        x = 1\n        name() = \"p\"\n    }\n}"},
         {ROW((std::vector<std::vector<int>>{{1, 2}, {}})), "{{1, 2}, {}}",
          "@yon::vector {\n    @yon::vector {\n        1\n        2\n    }\n    @yon::vector {\n    }\n}"},
         {ROW((std::pair<String, int>("a", 1))), "\"a\" : 1", "\"a\" : 1"},
@@ -207,7 +193,6 @@ TEST(Dumper, DumpsStandardContainers) {
         {ROW(std::make_unique<Point>()), "{1, \"p\"}", "@app::Point {\n    x = 1\n    name() = \"p\"\n}"},
         {ROW(std::shared_ptr<int>()), "<null>", "<null>"},
         {ROW(std::make_shared<bool>(true)), "true", "true"},
-        {ROW(1500ms), "1500ms", "1500ms"},
         {ROW((std::vector<std::chrono::seconds>{1s, 2min})), "{1s, 120s}", "@yon::vector {\n    1s\n    120s\n}"},
         {ROW((std::chrono::duration<double, std::ratio<2, 180>>(1.5))), "1.5[1/90]s", "1.5[1/90]s"},
 #undef ROW
