@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -67,4 +68,16 @@ inline std::vector<std::string> linesOf(std::string const & name) {
     std::vector<std::string> lines;
     for (std::string line; std::getline(in, line);) lines.push_back(line);
     return lines;
+}
+
+/// How many lines there are of each text, when a line is a text and a number. The numbers of each text must count its
+/// lines from 0 on; a line that breaks the row is a text of its own.
+inline std::map<std::string, int> countsOf(std::vector<std::string> const & lines) {
+    std::map<std::string, int> counts;
+    for (std::string const & line : lines) {
+        std::string const text = line.substr(0, line.rfind(' ') + 1);
+        int & count = counts[text];
+        ++(line == text + std::to_string(count) ? count : counts[line]);
+    }
+    return counts;
 }
