@@ -160,6 +160,36 @@ TEST(Macros, AreSingleStatementsAnywhere) {
     EXPECT_EQ(lines.take(), big + big + "\n*****1\n0,5\n 0.5\n");
 }
 
+/// Leaves the stream as it is not at first, and its type as it is.
+struct InHex {};
+template <class Stream>
+Stream & operator<<(Stream & s, InHex) {
+    s << std::hex;
+    return s;
+}
+
+TEST(Macros, PrintWhatAStreamPrints) {
+    Lines lines(log());
+    char const letters[] = {'a', 'b', 0, 'c'};
+    enum { unscoped = 7 };
+    struct {
+        unsigned bits : 3;
+    } const field{5};
+    auto const printed = [&](auto & os) {
+        os << LLONG_MIN << ' ' << ULLONG_MAX << short{-1} << 0u << true << 'x' << static_cast<unsigned char>('y')
+           << '|';
+        os << letters << String("s") << istr("t") << std::string("u") << std::string_view("w") << "" << '|';
+        os << unscoped << field.bits << 1.5 << InHex{} << -1 << short{-1} << 'z' << "tail";
+        return &os;
+    };
+    std::ostringstream expected;
+    printed(expected);
+    detail::MessageLoan message;
+    EXPECT_EQ(detail::messageText(*printed(message.stream())), expected.str());
+    YON_LOG_DATA(log(), LLONG_MIN << letters << InHex{} << 255 << "end");
+    EXPECT_EQ(lines.take(), std::to_string(LLONG_MIN) + "abffend\n");
+}
+
 TEST(Macros, EvaluateOnlyWhatIsWanted) {
     Lines lines(log());
     int loggers = 0;

@@ -60,7 +60,7 @@
 #define YON_PASTE(a, b) YON_PASTE_I(a, b)
 #define YON_UNIQUE(name) YON_PASTE(name, __COUNTER__)
 
-#define YON_MESSAGE_TEXT(message) ::yon::detail::messageText(::yon::detail::MessageStream().stream() << message)
+#define YON_MESSAGE_TEXT(message) ::yon::detail::messageText(::yon::detail::MessageLoan().stream() << message)
 
 #define YON_LOG_DATA_I(target, log, message)                                                      \
     do {                                                                                          \

@@ -5,38 +5,94 @@
 #include <concepts>
 #include <exception>
 #include <initializer_list>
+#include <memory>
 #include <ostream>
 #include <string>
 
 #include "yon/base/builtin_scalar.h"
 #include "yon/base/diagnostics.h"
 #include "yon/base/istr.h"
+#include "yon/base/string.h"
 #include "yon/log/record.h"
 
-namespace yon::detail {
+namespace yon {
 
-/// A stream in which a message is built: one of the calling thread's, used again, so that a message costs no
-/// allocation once it is warm. Starts with the usual format and the classic locale. A message that is built within
-/// another one gets a stream of its own. Made and destroyed in one thread, in the order of scopes.
-class YON_API MessageStream {
+struct LogThread;
+
+namespace detail {
+
+class MessageBuffer;
+
+template <class T>
+concept PlainNumber = BuiltinScalar<T> && std::integral<T>;
+
+template <class T>
+concept PlainText = std::same_as < std::decay_t<T>,
+char const * > || std::same_as<std::decay_t<T>, char *> || std::same_as<T, istr> || std::same_as<T, String> ||
+    std::same_as<T, std::string> || std::same_as<T, std::string_view>;
+
+/// The stream of a message. Whole numbers, characters and plain texts, most of what messages consist of, go straight
+/// to its buffer while its format and locale are the usual ones; everything else finds a stream like any other.
+class YON_API MessageStream : public std::ostream {
 public:
-    class Stream;
-
     MessageStream();
-    MessageStream(MessageStream const &) = delete;
-    MessageStream & operator=(MessageStream const &) = delete;
-    ~MessageStream();
+    ~MessageStream() override;
 
-    std::ostream & stream() noexcept;
+    /// Append as the stream would; false, with nothing appended, where format, locale or state ask for more.
+    bool put(istr text) noexcept;
+    bool put(longlong n) noexcept;
+    bool put(ulonglong n) noexcept;
+
+    template <PlainNumber T>
+    friend MessageStream & operator<<(MessageStream & s, T value) {
+        bool done = false;
+        if constexpr (CharacterType<T>) {
+            char const c = static_cast<char>(value);
+            done = s.put(istr(&c, 1));
+        } else {
+            done = s.put(static_cast<std::conditional_t<std::is_signed_v<T>, longlong, ulonglong>>(value));
+        }
+        if (!done) static_cast<std::ostream &>(s) << value;
+        return s;
+    }
+
+    template <PlainText T>
+    friend MessageStream & operator<<(MessageStream & s, T const & text) {
+        if (!s.put(istr(text))) static_cast<std::ostream &>(s) << text;
+        return s;
+    }
+
+    /// Undoes what the last message did to text, state, format and locale.
+    void reset();
+
+    MessageStream * next = nullptr;  ///< in a list of those not in use
 
 private:
-    Stream * stream_;
+    MessageBuffer * usual() noexcept;
+    template <class Write>
+    bool putUsual(std::size_t most, Write write) noexcept;
+
+    std::unique_ptr<MessageBuffer> buffer_;
 };
 
-/// Deletes a list of streams.
-void deleteStreams(MessageStream::Stream * first) noexcept;
+/// Lends a stream of the calling thread's, which is used again, so that a message costs no allocation once it is
+/// warm. It starts with the usual format and the classic locale. A message that is built within another one gets a
+/// stream of its own. Made and destroyed in one thread, in the order of scopes.
+class YON_API MessageLoan {
+public:
+    MessageLoan();
+    MessageLoan(MessageLoan const &) = delete;
+    MessageLoan & operator=(MessageLoan const &) = delete;
+    ~MessageLoan();
 
-/// The NUL-terminated text of a message, of which `os` is the stream; valid until the `MessageStream` goes.
+    MessageStream & stream() noexcept { return *stream_; }
+
+private:
+    LogThread * thread_;
+    MessageStream * stream_;
+};
+
+/// The NUL-terminated text of a message, of which `os` is the stream; valid until the `MessageLoan` goes.
 YON_API char const * messageText(std::ostream & os) noexcept;
 
 /// The records of conditions that do not hold, with texts of any kind.
@@ -50,7 +106,7 @@ YON_API void writeCaught(logger & log, diagnostics::Location const & where, std:
 template <class E>
 requires(!std::derived_from<E, std::exception>)  //
     void writeCaught(logger & log, diagnostics::Location const & where, E const & e) {
-    MessageStream message;
+    MessageLoan message;
     writeExcptLog(log, where.file, where.line, where.func, messageText(message.stream() << e));
 }
 
@@ -70,7 +126,7 @@ public:
             char digits[32];
             text_.assign(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
         } else {
-            MessageStream message;
+            MessageLoan message;
             text_ = messageText(message.stream() << value);
         }
     }
@@ -89,4 +145,6 @@ void writeEvent(logger & log, istr name, KeysAndValues const &... keysAndValues)
     writeEventRecord(log, name, {EventText(keysAndValues)...});
 }
 
-}  // namespace yon::detail
+}  // namespace detail
+
+}  // namespace yon

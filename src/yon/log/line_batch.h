@@ -50,12 +50,6 @@ public:
         if (bytes_.capacity() > usualBytes) std::string().swap(bytes_);
         if (lengths_.capacity() > usualBytes / sizeof(ulong)) std::vector<ulong>().swap(lengths_);
     }
-    void swap(LineBatch & o) noexcept {
-        bytes_.swap(o.bytes_);
-        lengths_.swap(o.lengths_);
-        std::swap(firstByte_, o.firstByte_);
-        std::swap(firstLine_, o.firstLine_);
-    }
 
 private:
     static constexpr std::size_t fewLines = 128;

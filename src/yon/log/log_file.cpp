@@ -59,47 +59,48 @@ void LogFile::append(istr line, Limits const & limits) noexcept {
 LogFile::Level LogFile::add(istr line, Limits const & limits) noexcept try {
     PatientGuard const guard(cacheLock_);
     if (!guard.owns()) throw std::bad_alloc();
-    front_.append(line);
+    front_->append(line);
     appended_.store(appended_.load(std::memory_order_relaxed) + 1, std::memory_order_release);
-    bool full = front_.lines() >= limits.lines;
+    bool full = front_->lines() >= limits.lines;
     if (!full) {
         running_ += line.size();
         full = running_ >= limits.bytes;
     }
     if (!named_.load(std::memory_order_relaxed) && wanted_.load(std::memory_order_relaxed)) {
         if (full) running_ = 0;
-        dropped_.fetch_add(front_.dropOldest(maxNameless), std::memory_order_relaxed);
+        dropped_.fetch_add(front_->dropOldest(maxNameless), std::memory_order_relaxed);
         return Level::low;
     }
     if (logIsEnding.load(std::memory_order_relaxed)) return Level::flooded;
     if (!full) return Level::low;
-    return front_.bytes() < limits.bytes + ulonglong{maxBacklog} ? Level::full : Level::flooded;
+    return front_->bytes() < limits.bytes + ulonglong{maxBacklog} ? Level::full : Level::flooded;
 } catch (std::bad_alloc const &) {
     dropped_.fetch_add(1, std::memory_order_relaxed);
     return Level::low;
 }
 
 void LogFile::flush() noexcept {
+    ulonglong const target = appended_.load(std::memory_order_acquire);
+    if (isSettled(target)) return;
     LogTrouble trouble;
-    flush(trouble);
+    settle(target, trouble);
     trouble.tell();
 }
 
-void LogFile::flush(LogTrouble & trouble) noexcept {
-    ulonglong const target = appended_.load(std::memory_order_acquire);
-    if (settled_.load(std::memory_order_acquire) < target) settle(target, trouble);
-}
+void LogFile::flush(LogTrouble & trouble) noexcept { settle(appended_.load(std::memory_order_acquire), trouble); }
 
 /// Writes the cache out, unless another thread has written so many lines meanwhile.
 void LogFile::settle(ulonglong target, LogTrouble & trouble) noexcept {
-    PatientGuard const guard(fileLock_);
-    if (!guard.owns() || settled_.load(std::memory_order_relaxed) >= target) return;
+    auto const settled = [&] { return isSettled(target); };
+    if (settled()) return;
+    PatientGuard const guard(fileLock_, settled);
+    if (!guard.owns() || settled()) return;
     ulonglong upTo = 0;
     if (!takeBatch(upTo)) return;
     if (wanted_.load(std::memory_order_relaxed)) writeBatch(trouble);
-    back_.clear();
+    back().clear();
     origin_ = nowhere;
-    back_.shrink();
+    back().shrink();
     settled_.store(upTo, std::memory_order_release);
 }
 
@@ -109,52 +110,53 @@ bool LogFile::takeBatch(ulonglong & upTo) noexcept {
     if (!guard.owns()) return false;
     running_ = 0;
     if (!named_.load(std::memory_order_relaxed) && wanted_.load(std::memory_order_relaxed)) return false;
-    front_.swap(back_);
+    front_ = &back();
     upTo = appended_.load(std::memory_order_relaxed);
     return true;
 }
 
 void LogFile::writeBatch(LogTrouble & trouble) noexcept {
-    if (back_.empty()) return;
-    std::size_t const lines = back_.lines();
+    if (back().empty()) return;
+    std::size_t const lines = back().lines();
     std::size_t const written = openFile(trouble) ? writeLines(trouble) : 0;
-    written_.fetch_add(written, std::memory_order_relaxed);
-    dropped_.fetch_add(lines - written, std::memory_order_relaxed);
+    written_.store(written_.load(std::memory_order_relaxed) + written, std::memory_order_relaxed);
+    if (written != lines) dropped_.fetch_add(lines - written, std::memory_order_relaxed);
     if (written == lines) failing_ = false;
     file_.rest();
 }
 
 /// Returns how many lines are in the file. What stands between two moves of the file is written at once.
 std::size_t LogFile::writeLines(LogTrouble & trouble) noexcept {
-    char const * data = back_.data();
-    std::size_t const end = back_.lines();
+    LineBatch const & batch = back();
+    char const * data = batch.data();
+    std::size_t const end = batch.lines();
     bool mayMove = true;
     for (std::size_t line = 0; line < end;) {
-        if (mayMove && !takes(file_.size(), back_.length(line), maxFileSize)) {
+        if (mayMove && !takes(file_.size(), batch.length(line), maxFileSize)) {
             mayMove = moveAway(trouble);
             if (!openFile(trouble)) return line;
         }
         std::size_t const first = line;
-        ulonglong const start = file_.size();
         std::size_t size = 0;
         do {
-            size += back_.length(line++);
-        } while (line < end && (!mayMove || takes(start + size, back_.length(line), maxFileSize)));
-        origin_ = static_cast<longlong>(start) - (data - back_.data());
+            size += batch.length(line++);
+        } while (line < end && (!mayMove || takes(file_.size() + size, batch.length(line), maxFileSize)));
+        origin_ = static_cast<longlong>(file_.size()) - (data - batch.data());
         if (int const error = file_.write(data, size); error != 0) {
             if (!std::exchange(failing_, true)) trouble.failedWrite(name_, error);
-            return keepWhole(first, start);
+            return keepWhole(first);
         }
         data += size;
     }
     return end;
 }
 
-/// Cuts off the part of a line that an interrupted write has left, behind the lines from `first` on that begin at
-/// `start` in the file; returns the first line that is not in it.
-std::size_t LogFile::keepWhole(std::size_t first, ulonglong start) noexcept {
+/// Cuts off the part of a line that an interrupted write has left, behind those of the lines from `first` on that it
+/// has written; returns the first line that is not in the file.
+std::size_t LogFile::keepWhole(std::size_t first) noexcept {
     std::size_t line = first;
-    while (start + back_.length(line) <= file_.size()) start += back_.length(line++);
+    ulonglong start = file_.start();
+    while (start + back().length(line) <= file_.size()) start += back().length(line++);
     if (start < file_.size()) file_.truncate(name_.c_str(), start);
     return line;
 }
@@ -207,9 +209,9 @@ void LogFile::count(logger::Counters & sum) const noexcept {
 std::list<String> LogFile::pending() const {
     std::list<String> lines;
     std::lock_guard const guard(cacheLock_);
-    char const * data = front_.data();
-    for (std::size_t line = 0; line < front_.lines(); data += front_.length(line++))
-        lines.emplace_back(istr(data, front_.length(line)));
+    char const * data = front_->data();
+    for (std::size_t line = 0; line < front_->lines(); data += front_->length(line++))
+        lines.emplace_back(istr(data, front_->length(line)));
     return lines;
 }
 
@@ -222,15 +224,16 @@ void LogFile::takeOver() noexcept {
     // A line that was being appended is in the cache as a whole or not at all. The locks are made anew: those who
     // hold them, or wait for them, are gone.
     std::construct_at(&cacheLock_);
-    if (!fileLock_.tryLock() && !back_.empty()) {
+    LineBatch & batch = back();
+    if (!fileLock_.tryLock() && !batch.empty()) {
         platform::AppendFile file;
         if (file.open(name_.c_str()) == 0) {
-            auto const all = static_cast<longlong>(back_.bytes());
+            auto const all = static_cast<longlong>(batch.bytes());
             longlong const reached = static_cast<longlong>(file.size()) - origin_;
             longlong const done = std::clamp<longlong>(origin_ == nowhere ? 0 : reached, 0, all);
-            file.write(back_.data() + done, static_cast<std::size_t>(all - done));
+            file.write(batch.data() + done, static_cast<std::size_t>(all - done));
         }
-        back_.clear();
+        batch.clear();
         origin_ = nowhere;
     }
     std::construct_at(&fileLock_);
@@ -246,11 +249,11 @@ void LogFile::writeRaw() noexcept {
     if (!tryLockFor(cacheLock_, rawPatience)) return;
     // Where a batch is being written, perhaps by the very thread that crashed, the file is opened a second time.
     bool const own = tryLockFor(fileLock_, rawPatience);
-    if (!front_.empty() && (own || nameLock_.tryLock())) {
+    if (!front_->empty() && (own || nameLock_.tryLock())) {
         platform::AppendFile second;
         platform::AppendFile & file = own ? file_ : second;
-        if (file.open(name_.c_str()) == 0) file.write(front_.data(), front_.bytes());
-        front_.clear();
+        if (file.open(name_.c_str()) == 0) file.write(front_->data(), front_->bytes());
+        front_->clear();
         if (!own) nameLock_.unlock();
     }
     if (own) fileLock_.unlock();
@@ -268,8 +271,8 @@ void LogFile::unlock() noexcept {
 }
 
 void LogFile::forget() noexcept {
-    front_.clear();
-    back_.clear();
+    front_->clear();
+    back().clear();
     settled_.store(appended_.load(std::memory_order_relaxed), std::memory_order_relaxed);
 }
 

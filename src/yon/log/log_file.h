@@ -81,20 +81,22 @@ private:
     enum class Level { low, full, flooded };
 
     Level add(istr line, Limits const & limits) noexcept;
+    bool isSettled(ulonglong target) const noexcept { return settled_.load(std::memory_order_acquire) >= target; }
     void settle(ulonglong target, LogTrouble & trouble) noexcept;
     bool takeBatch(ulonglong & upTo) noexcept;
     void writeBatch(LogTrouble & trouble) noexcept;
     std::size_t writeLines(LogTrouble & trouble) noexcept;
     bool openFile(LogTrouble & trouble) noexcept;
     bool moveAway(LogTrouble & trouble) noexcept;
-    std::size_t keepWhole(std::size_t first, ulonglong start) noexcept;
+    std::size_t keepWhole(std::size_t first) noexcept;
 
     std::atomic<bool> const & wanted_;
     detail::SystemLock & nameLock_;
 
     mutable detail::SystemLock cacheLock_;
-    LineBatch front_;          ///< the cache
-    std::size_t running_ = 0;  ///< bytes that count towards the limit
+    LineBatch batches_[2];
+    LineBatch * front_ = &batches_[0];  ///< the cache
+    std::size_t running_ = 0;           ///< bytes that count towards the limit
     std::atomic<ulonglong> appended_{0};
     std::atomic<ulonglong> settled_{0};     ///< of those, how many were written, lost or forgotten
     std::atomic<bool> writerComes_{false};  ///< somebody waits for the file to write a full cache
@@ -103,14 +105,14 @@ private:
     // Under the file lock.
     detail::SystemLock fileLock_;
     static constexpr longlong nowhere = std::numeric_limits<longlong>::max();
-    LineBatch back_;             ///< what is being written
+    LineBatch & back() noexcept { return batches_[front_ == &batches_[0]]; }  ///< what is being written
     longlong origin_ = nowhere;  ///< where in the file its first byte stands, or would if it were in it
     platform::AppendFile file_;
     bool failing_ = false;  ///< told, and not over yet
     bool moveFailing_ = false;
     String name_;  ///< written under both locks, read under one of them
 
-    std::atomic<ulonglong> written_{0};
+    std::atomic<ulonglong> written_{0};  ///< changed under the file lock
     std::atomic<ulonglong> dropped_{0};
     std::atomic<ulonglong> failedOpens_{0};
     std::atomic<ulonglong> rotations_{0};

@@ -6,6 +6,7 @@
 #include "yon/log/date_time_text.h"
 #include "yon/log/message_stream.h"
 #include "yon/log/thread_trace.h"
+#include "yon/platform/threads.h"
 #include "yon/string/string_buffer.h"
 
 namespace yon {
@@ -19,9 +20,14 @@ struct LogThread {
     ~LogThread();
 
     /// The calling thread's; null without memory.
-    static LogThread * current() noexcept;
+    static LogThread * current() noexcept {
+        LogThread * const there = existing();
+        return there != nullptr ? there : make();
+    }
     /// The same, but null if it is not there yet.
-    static LogThread * existing() noexcept;
+    static LogThread * existing() noexcept {
+        return static_cast<LogThread *>(platform::slot(platform::Slot::callStack));
+    }
 
     static constexpr unsigned bufferCount = 4;
     StringBuffer buffers[bufferCount];  ///< for records, by the depth of their nesting
@@ -29,9 +35,12 @@ struct LogThread {
 
     DateTimeText dateTime;
 
-    detail::MessageStream::Stream * streams = nullptr;  ///< those not in use, a list
+    detail::MessageStream * streams = nullptr;  ///< those not in use, a list
 
     std::unique_ptr<ThreadTrace> trace;
+
+private:
+    [[gnu::cold]] static LogThread * make() noexcept;
 };
 
 }  // namespace yon

@@ -26,7 +26,10 @@ inline bool tryLockFor(detail::SystemLock & lock, std::chrono::milliseconds pati
 /// end then.
 class PatientGuard {
 public:
-    explicit PatientGuard(detail::SystemLock & lock) noexcept : lock_(lock), owns_(lock.tryLock() || wait()) {}
+    explicit PatientGuard(detail::SystemLock & lock) noexcept : PatientGuard(lock, [] { return false; }) {}
+    /// Does without the lock when the work has been done by somebody else meanwhile.
+    template <class Done>
+    PatientGuard(detail::SystemLock & lock, Done done) noexcept : lock_(lock), owns_(lock.tryLock() || wait(done)) {}
     PatientGuard(PatientGuard const &) = delete;
     PatientGuard & operator=(PatientGuard const &) = delete;
     ~PatientGuard() {
@@ -36,8 +39,18 @@ public:
     bool owns() const noexcept { return owns_; }
 
 private:
-    [[gnu::noinline]] bool wait() noexcept {
+    /// The locks of the log are held for some microseconds, while sleeping and waking take longer: others get the
+    /// processor a few times first.
+    static constexpr int yields = 20;
+
+    template <class Done>
+    [[gnu::noinline]] bool wait(Done done) noexcept {
         if (platform::othersAreGone()) return false;
+        for (int i = 0; i < yields; ++i) {
+            std::this_thread::yield();
+            if (done()) return false;
+            if (lock_.tryLock()) return true;
+        }
         if (logIsEnding.load(std::memory_order_relaxed)) return tryLockFor(lock_, std::chrono::seconds(5));
         lock_.lock();
         return true;

@@ -9,6 +9,7 @@
 #include "yon/log/ruled_line.h"
 #include "yon/log/thread_trace.h"
 #include "yon/mt/simple_thread.h"
+#include "yon/mt/thread_entry.h"
 
 namespace yon {
 
@@ -21,9 +22,9 @@ constexpr char const * stackSeparator = "\n            ";
 
 /// The time is that of this moment: what the thread knows may be some milliseconds old.
 void appendPrefix(StringBuffer & out, ThreadInfo const & thread) {
-    DateTimeText own;
+    Time const now = Time::now();
     LogThread * const mine = LogThread::current();
-    out.append((mine != nullptr ? mine->dateTime : own).at(Time::now())).append(thread.sThreadId_);
+    out.append(mine != nullptr ? mine->dateTime.at(now) : DateTimeText().at(now)).append(thread.sThreadId_);
 }
 
 /// Builds a record in the thread's buffer and hands it over. Nothing gets out: a record that cannot be made is lost.
@@ -97,10 +98,10 @@ void writeFailure(logger & log, istr title, istr condition, Location const & whe
 
 }  // namespace
 
-void appendHeaderPrefix(StringBuffer & out) { appendPrefix(out, SimpleThread::current()); }
+void appendHeaderPrefix(StringBuffer & out) { appendPrefix(out, detail::ThreadEntry::get()); }
 
 void appendHeader(StringBuffer & out, logger const & log, istr tag, EmptyTag emptyTag) {
-    ThreadInfo const & thread = SimpleThread::current();
+    ThreadInfo const & thread = detail::ThreadEntry::get();
     appendPrefix(out, thread);
     out.append('[').append(log.idText()).append(']');
     if (!tag.empty() || emptyTag == EmptyTag::shown) out.append('[').append(tag).append(']');

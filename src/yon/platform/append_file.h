@@ -22,10 +22,12 @@ public:
     /// Gets the file that has this name now ready for writing; one that is missing is made, with the permissions that
     /// the process gives new files. A file that is still open is used again if the name means it.
     int open(char const * name) noexcept;
-    /// Bytes in the file when it was opened, and those written since.
+    /// Bytes in the file: when it was opened, some milliseconds ago at most, and those written since.
     ulonglong size() const noexcept { return size_; }
-    /// Writes everything. After an error the part of it that `size()` counts stands in the file.
+    /// Writes everything. After an error, what stands between `start()` and `size()` has been written.
     int write(char const * data, std::size_t size) noexcept;
+    /// Where in the file the last write has begun.
+    ulonglong start() const noexcept { return start_; }
     /// Takes off what stands behind `size` bytes, if the system allows it. REQUIRES: an open file of this name.
     void truncate(char const * name, ulonglong size) noexcept;
     /// Writing is over for now: where an open file keeps others from moving or removing it, it is closed.
@@ -37,15 +39,18 @@ private:
 
     std::intptr_t handle_ = closed;
     ulonglong size_ = 0;
+    ulonglong start_ = 0;
 
     // Where a file stays open: what tells it from others, and what was known when that was last looked at.
-    bool isStill(char const * name) noexcept;
+    bool isStill(char const * name, longlong now) noexcept;
+    void measure(int from) noexcept;
     ulonglong volume_ = 0;
     ulonglong file_ = 0;
     bool isRegular_ = false;
     int watch_ = -1;
     unsigned changes_ = 0;
     longlong checked_ = 0;
+    longlong measured_ = 0;
 };
 
 /// Moves a file, and replaces one that has the new name. Between volumes it copies.

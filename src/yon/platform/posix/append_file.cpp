@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
@@ -18,10 +19,13 @@ namespace {
 
 constexpr mode_t permissions = 0666;
 
-longlong roughSeconds() noexcept {
+constexpr longlong second = 1'000'000'000;
+
+/// In nanoseconds; moves on by some milliseconds at a time.
+longlong roughTime() noexcept {
     timespec t;
     ::clock_gettime(CLOCK_MONOTONIC_COARSE, &t);
-    return t.tv_sec;
+    return t.tv_sec * second + t.tv_nsec;
 }
 
 int descriptor(std::intptr_t handle) noexcept { return static_cast<int>(handle); }
@@ -45,10 +49,9 @@ private:
 
 /// Whether the open file is the one that has this name. Where it can be watched, its name is looked at only after
 /// something has happened to it, and every second for what cannot be seen.
-bool AppendFile::isStill(char const * name) noexcept {
-    longlong const now = roughSeconds();
+bool AppendFile::isStill(char const * name, longlong now) noexcept {
     unsigned const changes = FileWatch::changes();
-    if (watch_ >= 0 && changes == changes_ && now == checked_) return true;
+    if (watch_ >= 0 && changes == changes_ && now - checked_ < second) return true;
     changes_ = changes;
     checked_ = now;
     watch_ = FileWatch::add(name);
@@ -57,7 +60,8 @@ bool AppendFile::isStill(char const * name) noexcept {
 }
 
 int AppendFile::open(char const * name) noexcept {
-    if (handle_ == closed || !isStill(name)) {
+    longlong const now = roughTime();
+    if (handle_ == closed || !isStill(name, now)) {
         close();
         handle_ = ::open(name, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY, permissions);
         if (handle_ == closed) return errno;
@@ -66,20 +70,31 @@ int AppendFile::open(char const * name) noexcept {
         volume_ = status.volume();
         file_ = status.file();
         isRegular_ = status.isRegular();
+        measured_ = 0;
     }
-    // What is no regular file has no size.
-    off_t const end = isRegular_ ? ::lseek(descriptor(handle_), 0, SEEK_END) : 0;
-    size_ = end > 0 ? static_cast<ulonglong>(end) : 0;
+    // Between two ticks of the clock only what is written here counts.
+    if (now != std::exchange(measured_, now)) measure(SEEK_END);
     return 0;
 }
 
+void AppendFile::measure(int from) noexcept {
+    // What is no regular file has no size.
+    off_t const end = isRegular_ ? ::lseek(descriptor(handle_), 0, from) : 0;
+    size_ = end > 0 ? static_cast<ulonglong>(end) : 0;
+}
+
 int AppendFile::write(char const * data, std::size_t size) noexcept {
-    while (size != 0) {
-        ssize_t const n = ::write(descriptor(handle_), data, size);
+    start_ = size_;
+    for (std::size_t done = 0; done != size;) {
+        ssize_t const n = ::write(descriptor(handle_), data + done, size - done);
         if (n < 0 && errno == EINTR) continue;
-        if (n < 0) return errno;
-        data += n;
-        size -= static_cast<std::size_t>(n);
+        if (n < 0) {
+            int const error = errno;
+            measure(done != 0 ? SEEK_CUR : SEEK_END);
+            start_ = size_ - std::min<ulonglong>(done, size_);
+            return error;
+        }
+        done += static_cast<std::size_t>(n);
         size_ += static_cast<std::size_t>(n);
     }
     return 0;
@@ -98,7 +113,10 @@ void AppendFile::close() noexcept {
     handle_ = closed;
 }
 
+// An old file is removed first: where one file replaces another, some file systems write out all of the new one at
+// once to be safe, and the logging threads would wait for that.
 int moveFile(char const * from, char const * to) noexcept {
+    if (::access(from, F_OK) == 0) ::unlink(to);
     if (std::rename(from, to) == 0) return 0;
     if (errno != EXDEV) return errno;
     try {

@@ -30,6 +30,7 @@ int AppendFile::open(char const * name) noexcept {
 
 int AppendFile::write(char const * data, std::size_t size) noexcept {
     constexpr std::size_t most = 1u << 30;
+    start_ = size_;
     while (size != 0) {
         DWORD written = 0;
         auto const part = static_cast<DWORD>(size < most ? size : most);
