@@ -6,9 +6,9 @@
 #include <atomic>
 #include <csignal>
 #include <sstream>
-#include <thread>
 
 #include "file_testing.h"
+#include "thread_testing.h"
 #include "yon/base/throw.h"
 #include "yon/log/crash_report.h"
 #include "yon/log/logger_factory.h"
@@ -59,15 +59,13 @@ TEST(Fork, TheChildFindsEveryLockFree) {
     // What is made on first use is there: a child that is forked while another thread makes it waits for that thread.
     useEverything();
     std::atomic<bool> going{true};
-    std::vector<std::thread> busy;
-    for (int i = 0; i < 3; ++i) {
-        busy.emplace_back([&] {
+    {
+        InThreads const busy(3, [&](int) {
             while (going) useEverything();
         });
+        for (int i = 0; i < 50; ++i) EXPECT_EQ(inChild(useEverything), 0) << i;
+        going = false;
     }
-    for (int i = 0; i < 50; ++i) ASSERT_EQ(inChild(useEverything), 0) << i;
-    going = false;
-    for (std::thread & t : busy) t.join();
     MemLeakChecker::enable(false);
     logger_factory::instance("fork.busy").filename("");
 }

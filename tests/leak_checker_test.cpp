@@ -66,10 +66,8 @@ TEST_F(LeakChecker, KnowsWhatIsLive) {
         ASSERT_EQ(Checker::bytes(), sum);
         ASSERT_EQ(Checker::replaced(), replaced);
     }
-    for (auto const & [address, size] : model) Checker::pop(block(address));
-    EXPECT_EQ(Checker::count(), 0u);
     Checker::clear();
-    EXPECT_EQ(Checker::replaced(), 0u);
+    EXPECT_EQ(Checker::count() + Checker::bytes() + Checker::replaced(), 0u);
 }
 
 TEST_F(LeakChecker, IgnoresWhatItDoesNotKnow) {
@@ -100,13 +98,6 @@ TEST_F(LeakChecker, ReportsByPlaceMostBytesFirst) {
               "b.cpp:9 g: 1 blocks, 10 bytes\n"
               "<null>:0 <null>: 1 blocks, 0 bytes\n"
               "total: 5 blocks, 90 bytes\n");
-    std::size_t places = 0;
-    Checker::forEach([&](MLC_Entry const &) { ++places; });
-    EXPECT_EQ(places, 4u);
-    Checker::clear();
-    std::ostringstream none;
-    Checker::report(none);
-    EXPECT_EQ(none.str(), "total: 0 blocks, 0 bytes\n");
 }
 
 TEST_F(LeakChecker, ShowsGrowth) {
@@ -159,12 +150,10 @@ TEST_F(LeakChecker, FollowsLocatedAllocations) {
     EXPECT_THROW(YON_NEW(Both)(true), int);
     EXPECT_EQ(Checker::count(), 0u);
 
-    Bytes b(5);
+    Bytes const b(5);
     std::ostringstream os;
     Checker::report(os);
     EXPECT_TRUE(os.str().starts_with("src/yon/base/base_type_bytes:164 yon::Bytes::alloc: 1 blocks, 5 bytes\n"));
-    b.clear();
-    EXPECT_EQ(Checker::count(), 0u);
 }
 
 TEST_F(LeakChecker, TakesThreads) {

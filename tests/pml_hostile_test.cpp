@@ -5,9 +5,9 @@
 #include <atomic>
 #include <cstdlib>
 #include <new>
-#include <thread>
 
 #include "pml_testing.h"
+#include "thread_testing.h"
 #include "yon/pml/pml_writer.h"
 
 namespace {
@@ -215,16 +215,14 @@ TEST(PmlHostile, TreesThatChangeThreadsLeaveNoMemoryBehind) {
 
     // Four threads build, and destroy what the next one built.
     std::atomic<Unit *> desks[4] = {};
-    auto const work = [&](std::size_t self) {
+    auto const work = [&](int self) {
         for (int i = 0; i < 40; ++i) {
             Tree const taken(desks[(self + 1) % 4].exchange(nullptr));
             Tree const replaced(desks[self].exchange(bushyTree().release()));
         }
     };
     for (int round = 0; round < 5; ++round) {
-        std::vector<std::thread> threads;
-        for (std::size_t i = 0; i < 4; ++i) threads.emplace_back(work, i);
-        for (std::thread & t : threads) t.join();
+        InThreads(4, work);
         if (round == 1) warm = chunks;
     }
     // Twelve trees at most were alive, of some ten chunks each.
@@ -252,22 +250,15 @@ TEST(PmlHostile, ThreadsMayReadOneTree) {
         // Lent to be changed, and not looked at since.
         root["n3"].name();
         Unit const & tree = root;
-        std::vector<std::thread> threads;
-        for (std::size_t t = 0; t < 4; ++t) {
-            threads.emplace_back([&tree, t] {
-                for (std::size_t i = 0; i < 500; ++i) {
-                    std::string const n = number((i * 7 + t * 125) % 500);
-                    Unit const & child = tree[istr("n" + n)];
-                    int value = -1;
-                    EXPECT_TRUE(n == "7" || (child >> value && number(static_cast<std::size_t>(value)) == n));
-                    EXPECT_EQ(tree.find(child.path()), &child);
-                }
-                Unit const copy(tree);
-                EXPECT_TRUE(sameTree(copy, tree));
-                EXPECT_EQ(copy.str(), tree.str());
-            });
-        }
-        for (std::thread & t : threads) t.join();
+        InThreads(4, [&tree](int t) {
+            for (int i = 0; i < 500; ++i) {
+                std::string const n = std::to_string((i * 7 + t * 125) % 500);
+                Unit const & child = tree[istr("n" + n)];
+                EXPECT_TRUE(n == "7" || child.getStringValue() == n);
+                EXPECT_EQ(tree.find(child.path()), &child);
+            }
+            EXPECT_TRUE(sameTree(Unit(tree), tree));
+        });
     }
 }
 
