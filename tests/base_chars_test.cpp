@@ -8,11 +8,7 @@
 #include <vector>
 
 #include "raise_testing.h"
-#include "yon/base/environment.h"
-#include "yon/base/exception.h"
-#include "yon/base/net.h"
-#include "yon/base/octets.h"
-#include "yon/base/string.h"
+#include "yon/yon.h"
 
 namespace yon {
 namespace {

@@ -6,11 +6,7 @@
 #include <random>
 
 #include "binary_testing.h"
-#include "yon/nbr/input_stream.h"
-#include "yon/nbr/output_stream.h"
-#include "yon/string/unicode.h"
-#include "yon/util/binary_in_stream.h"
-#include "yon/util/binary_out_stream.h"
+#include "yon/yon.h"
 
 /// Blocks that were taken from the heap.
 static std::size_t allocations = 0;

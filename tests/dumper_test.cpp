@@ -1,13 +1,9 @@
-#include "yon/log/dumper.h"
-
 #include <gtest/gtest.h>
 
 #include <iomanip>
 #include <sstream>
 
-#include "yon/base/bytes.h"
-#include "yon/base/time.h"
-#include "yon/log/dumper_stl.h"
+#include "yon/yon.h"
 
 namespace yon {
 namespace {

@@ -1,5 +1,3 @@
-#include "yon/base/leak_checker.h"
-
 #include <gtest/gtest.h>
 
 #include <map>
@@ -8,9 +6,7 @@
 #include <vector>
 
 #include "thread_testing.h"
-#include "yon/base/bytes.h"
-#include "yon/base/located_new.h"
-#include "yon/log/dumper.h"
+#include "yon/yon.h"
 
 namespace yon {
 namespace {

@@ -7,11 +7,7 @@
 
 #include "raise_testing.h"
 #include "thread_testing.h"
-#include "yon/base/leak_checker.h"
-#include "yon/base/stopwatch.h"
-#include "yon/mt/monitor.h"
-#include "yon/mt/rwrecmutex.h"
-#include "yon/mt/static_mutex.h"
+#include "yon/yon.h"
 
 namespace yon {
 namespace {

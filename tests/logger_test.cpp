@@ -1,6 +1,4 @@
 // Loggers: settings, caches, files, rotation, routing, and many threads at once.
-#include "yon/log/logger.h"
-
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -8,12 +6,7 @@
 
 #include "file_testing.h"
 #include "thread_testing.h"
-#include "yon/base/throw.h"
-#include "yon/log/console.h"
-#include "yon/log/dumper.h"
-#include "yon/log/logger_factory.h"
-#include "yon/log/record.h"
-#include "yon/pml/pml_stream.h"
+#include "yon/yon.h"
 
 namespace {
 

@@ -2,10 +2,7 @@
 
 #include <sstream>
 
-#include "yon/log/dumper.h"
-#include "yon/string/filename.h"
-#include "yon/string/funcname.h"
-#include "yon/string/multi_string.h"
+#include "yon/yon.h"
 
 namespace yon {
 namespace {

@@ -6,11 +6,7 @@
 
 #include "binary_testing.h"
 #include "thread_testing.h"
-#include "yon/log/dumper.h"
-#include "yon/nbr/input_stream.h"
-#include "yon/nbr/output_stream.h"
-#include "yon/nbr/verify.h"
-#include "yon/string/unicode.h"
+#include "yon/yon.h"
 
 namespace yon::nbr {
 namespace {

@@ -6,14 +6,7 @@
 
 #include "raise_testing.h"
 #include "thread_testing.h"
-#include "yon/base/leak_checker.h"
-#include "yon/base/located_new.h"
-#include "yon/mt/handle.h"
-#include "yon/mt/handle_wrapper.h"
-#include "yon/mt/map.h"
-#include "yon/mt/set.h"
-#include "yon/mt/thread_id.h"
-#include "yon/util/singleton_T.h"
+#include "yon/yon.h"
 
 namespace yon {
 

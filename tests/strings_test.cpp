@@ -4,12 +4,7 @@
 #include <random>
 #include <sstream>
 
-#include "yon/base/bytes.h"
-#include "yon/base/iwstr.h"
-#include "yon/base/mem.h"
-#include "yon/base/ostr.h"
-#include "yon/base/string.h"
-#include "yon/string/multi_string.h"
+#include "yon/yon.h"
 
 namespace yon {
 namespace {

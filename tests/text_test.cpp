@@ -9,13 +9,7 @@
 #include <random>
 
 #include "raise_testing.h"
-#include "yon/base/bytes.h"
-#include "yon/base/exception.h"
-#include "yon/base/leak_checker.h"
-#include "yon/string/byte_ref.h"
-#include "yon/string/printf.h"
-#include "yon/string/string_buffer.h"
-#include "yon/string/string_slice.h"
+#include "yon/yon.h"
 
 namespace yon {
 namespace {
