@@ -158,15 +158,12 @@ TEST(Nbr, CopiesAreDeepAndStreamsKeepTheirBytes) {
     assigned.add(1, new SimpleValue());
     assigned = *view.get()->complexValue();
     dumper lines, compact(true);
-    InputStream(view.get()->clone()).dump(lines);
+    lines << InputStream(istr("\1\1\x09", 3));
     assigned.dump(compact);
     EXPECT_EQ(compact.str(), "{5 : {6 : {\"\\x{0102}hi\", true}}, 7 : {\"\\x{09}\", false}}");
     EXPECT_EQ(lines.str(),
-              "@yon::nbr::InputStream {\n    root_ = @yon::nbr::ComplexValue {\n        5 : @yon::nbr::ComplexValue {"
-              "\n            6 : @yon::nbr::SimpleValue {\n                data_ = \"\\x{0102}hi\"\n                "
-              "text_ = true"
-              "\n            }\n        }\n        7 : @yon::nbr::SimpleValue {\n            data_ = \"\\x{09}\""
-              "\n            text_ = false\n        }\n    }\n    owned_ = false\n}");
+              "@yon::nbr::InputStream {\n    root_ = @yon::nbr::SimpleValue {\n        data_ = \"\\x{09}\"\n"
+              "        text_ = false\n    }\n    owned_ = false\n}");
 }
 
 TEST(Nbr, ReadingThreadsShareATree) {

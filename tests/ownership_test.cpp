@@ -119,12 +119,9 @@ TEST(LockableContainers, DumpUnderTheirOwnNames) {
     mt::set<int> const set{2, 1};
     Lock const lock(map), again(map);
     map[42] = "x";
-    dumper d(true), lines;
-    d << map << set;
+    dumper lines;
     lines << map << set;
-    EXPECT_EQ(d.str(), "{42 : \"x\"}{1, 2}");
     EXPECT_EQ(lines.str(), "@yon::mt::map {\n    42 : \"x\"\n}@yon::mt::set {\n    1\n    2\n}");
-    EXPECT_NE(ThreadId::current(), 0u);
 }
 
 }  // namespace

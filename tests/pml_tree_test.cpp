@@ -6,7 +6,6 @@
 #include "pml_testing.h"
 #include "raise_testing.h"
 #include "record_testing.h"
-#include "yon/base/leak_checker.h"
 #include "yon/pml/pml_writer.h"
 
 namespace yon::pml {
@@ -308,19 +307,6 @@ TEST(PmlTree, TypedExtraction) {
         EXPECT_FALSE(u >> time);
         EXPECT_EQ(time, Time()) << "which does not stay";
     }
-}
-
-TEST(PmlTree, LeakCheckerKnowsNodesAndTheirMakers) {
-    MemLeakChecker::enable(true);
-    auto unit = std::make_unique<Unit>("n", "", "v");
-    unit->addChild("a", "1");
-    std::ostringstream live;
-    MemLeakChecker::report(live);
-    unit.reset();
-    EXPECT_NE(live.str().find("src/yon/pml/ntv:"), std::string::npos) << live.str();
-    EXPECT_NE(live.str().find("yon::pml::ntv::Unit::addChild"), std::string::npos) << live.str();
-    EXPECT_EQ(MemLeakChecker::count(), 0u);
-    MemLeakChecker::enable(false);
 }
 
 std::size_t sizeOf(Unit const & unit) {

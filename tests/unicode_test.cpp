@@ -86,34 +86,27 @@ TEST(Utf8Test, RoundTripsEveryCharacter) {
 }
 
 TEST(Utf16Test, AcceptsSurrogatesInPairsOnly) {
-    wchar const units[] = {0x41, 0x7FF, 0x800, 0xD7FF, 0xD800, 0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0xFFFF};
-    auto const high = [](wchar u) { return u >= 0xD800 && u <= 0xDBFF; };
-    auto const low = [](wchar u) { return u >= 0xDC00 && u <= 0xDFFF; };
-    for (wchar const a : units) {
-        for (wchar const b : units) {
-            for (wchar const c : units) {
-                wstring const s{a, b, c};
-                std::string expected;
-                Result result = Result::ok;
-                for (std::size_t i = 0; i < s.size() && result == Result::ok; ++i) {
-                    if (high(s[i]) && i + 1 < s.size() && low(s[i + 1])) {
-                        expected += encode(0x10000u + ((s[i] - 0xD800u) << 10) + (s[i + 1] - 0xDC00u));
-                        ++i;
-                    } else if (high(s[i]) && i + 1 == s.size()) {
-                        result = Result::sourceExhausted;
-                    } else if (high(s[i]) || low(s[i])) {
-                        result = Result::sourceIllegal;
-                    } else {
-                        expected += encode(s[i]);
-                    }
-                }
-                char room[12];
-                wchar const * p = s.data();
-                char * end = room;
-                ASSERT_EQ(utf16ToUtf8(p, s.data() + s.size(), end, std::end(room)), result);
-                ASSERT_EQ(std::string(room, end), expected);
-            }
-        }
+    wchar const high = 0xDBFF, low = 0xDC00;
+    struct {
+        wstring units;
+        Result result;
+        std::string taken;
+    } const rows[] = {
+        {{'a', high, low, 0xE000}, Result::ok, "a" + encode(0x10FC00) + encode(0xE000)},
+        {{high, low, high}, Result::sourceExhausted, encode(0x10FC00)},
+        {{'a', high}, Result::sourceExhausted, "a"},
+        {{high, 'a'}, Result::sourceIllegal, ""},
+        {{0xD7FF, high, 0xE000}, Result::sourceIllegal, encode(0xD7FF)},
+        {{0xD800, high, low}, Result::sourceIllegal, ""},
+        {{'a', low, high}, Result::sourceIllegal, "a"},
+        {{high, 0xDFFF, 0xDFFF}, Result::sourceIllegal, encode(0x10FFFF)},
+    };
+    for (auto const & row : rows) {
+        char room[12];
+        wchar const * p = row.units.data();
+        char * end = room;
+        EXPECT_EQ(utf16ToUtf8(p, p + row.units.size(), end, std::end(room)), row.result);
+        EXPECT_EQ(std::string(room, end), row.taken);
     }
 }
 
