@@ -39,12 +39,10 @@ TEST(Locks, ExcludeEachOther) {
     excludes(Monitor());
     excludes(staticMutex);
     excludes(globalMutex);
-    int made = 0;
-    MemLeakChecker::forEach([&](MLC_Entry const & e) {
-        if (e.func == std::string_view("yon::StaticMutex::initialize")) made += static_cast<int>(e.count);
-    });
+    std::ostringstream made;
+    MemLeakChecker::report(made);
     MemLeakChecker::enable(false);
-    EXPECT_EQ(made, 2);
+    EXPECT_NE(made.str().find("yon::StaticMutex::initialize: 2 blocks"), std::string::npos) << made.str();
 }
 
 TEST(RecMutex, IsReleasedAsOftenAsTaken) {
@@ -71,11 +69,6 @@ TEST(Semaphore, CountsAndFails) {
     EXPECT_EQ(place([&] { semaphore.post(-1); }), "src/yon/mt/cond:61 yon::Semaphore::post");
     EXPECT_EQ(place([&] { broken.wait(); }), "src/yon/mt/cond:40 yon::Semaphore::wait");
     EXPECT_EQ(place([&] { broken.timedWait(shortly); }), "src/yon/mt/cond:50 yon::Semaphore::timedWait");
-    try {
-        broken.wait();
-    } catch (ThreadSyscallException const & e) {
-        EXPECT_GT(e.error(), 0);
-    }
 }
 
 /// Waits of every kind last as long as asked, and for ever is not over at once.
@@ -150,11 +143,10 @@ TEST(Cond, WakesWhomItShould) {
 }
 
 TEST(Cond, ReleasesStaticMutexesAltogether) {
-    static StaticMutex mutex;
     Cond cond;
-    Lock const lock(mutex), again(mutex);
+    Lock const lock(staticMutex), again(staticMutex);
     InThreads const threads(1, [&](int) {
-        Lock const own(mutex);
+        Lock const own(staticMutex);
         cond.signal();
     });
     cond.wait(again);

@@ -43,7 +43,6 @@ TEST_F(PmlTool, CheckReportsEachFindingAtItsPlace) {
         std::string input;
         std::string findings;
     } const rows[] = {
-        {"a(1)", ""},
         {"\xEF\xBB\xBF(* one *) a(x(1) y:t(2) (3) z) (* two *)\r\n", ""},
         {"", "1:1: warning: there is no node\n"},
         {"a", "1:1: error: the input ends behind this name\n"},
@@ -52,14 +51,11 @@ TEST_F(PmlTool, CheckReportsEachFindingAtItsPlace) {
         {"a(b(1)'x\n", "1:7: error: this quote is never closed\n"},
         {"a:int", "1:3: error: get type token\n"},
         {"a:int)", "1:3: error: not found value begin tag, token\n"},
-        {"r(a(1) b:int 2) c(3))", "1:10: error: not found value begin tag, token\n"},
         {"r(url(http://h:80/x) t(12:30) c(3))",
          "1:12: error: not found value begin tag, token; text with a \":\" needs quotes\n"
          "1:27: error: not found value begin tag, token; text with a \":\" needs quotes\n"},
         {"a(1) (**) b(2)", "1:11: error: text behind the end of the node is not read\n"},
-        {"a(1))", "1:5: error: text behind the end of the node is not read\n"},
         {" )", "1:2: error: \")\" without a \"(\"\n"},
-        {"a)", "1:2: error: \")\" without a \"(\"\n"},
         {"r(x(a(1) b) y(2))",
          "1:10: error: this name has no value: the \")\" behind it closes two lists\n"
          "1:13: error: text behind the end of the node is not read\n"},
@@ -74,7 +70,6 @@ TEST_F(PmlTool, CheckReportsEachFindingAtItsPlace) {
         {"a('x' y)", "1:7: warning: text outside the quotes: the quotes become a part of it\n"},
         {"a('x' \"y\")", "1:7: warning: the quotes around this piece become a part of the text\n"},
         {"a('x'(**)'y')", "1:10: warning: the quotes around this piece become a part of the text\n"},
-        {"a('x' 'y'(**))", ""},
         {"a( *b(1))",
          "1:4: warning: a name that begins with \"*\" opens a comment when it is written right behind a \"(\"\n"},
         {"a:short('32768')", "1:9: warning: short \"32768\" is out of range: -32768 to 32767\n"},
@@ -82,41 +77,36 @@ TEST_F(PmlTool, CheckReportsEachFindingAtItsPlace) {
          "1:3: warning: a NUL byte: a program that reads the document as a C string ends here\n"},
     };
     for (auto const & [input, findings] : rows) {
-        bool const hasError = findings.find("error") != findings.npos;
         std::string expected;
         std::istringstream lines(findings);
         for (std::string line; std::getline(lines, line);) expected += "<stdin>:" + line + '\n';
         Result const result = pml({"check", "-"}, input);
         EXPECT_EQ(result.err, expected) << input;
-        EXPECT_EQ(result.status, hasError ? 1 : 0) << input;
-        EXPECT_EQ(pml({"check", "--strict", "-"}, input).status, findings.empty() ? 0 : 1) << input;
+        EXPECT_EQ(result.status, findings.find("error") != findings.npos) << input;
+        EXPECT_EQ(pml({"check", "--strict", "-"}, input).status, !findings.empty()) << input;
     }
 }
 
 TEST(PmlToolNumbers, AreComparedWithTheirTypeWords) {
-    std::string const notDecimal = "is no decimal number", notNumber = "is no number";
     struct {
         char const * type;
         char const * text;
-        std::string fault;
+        char const * fault;
     } const rows[] = {
         {"", "1.5.8", ""},
-        {"int", " 42 ", ""},
-        {"Int32_t", "-2147483648", ""},
+        {"Int32_t", " -2147483648 ", ""},
         {"long", "-2147483649", "is out of range: -2147483648 to 2147483647"},
-        {"int", "12abc", notDecimal},
-        {"int", "-", notDecimal},
+        {"int", "12abc", "is no decimal number"},
+        {"int", "-", "is no decimal number"},
         {"bit", "true", "is no 0 or 1"},
         {"bool", "2", "is out of range: 0 to 1"},
         {"Unsigned Short", "65536", "is out of range: 0 to 65535"},
-        {"ulong", "-1", "is out of range: 0 to 4294967295"},
         {"long long", "-9223372036854775808", ""},
         {"uint64_t", "99999999999999999999999", "is out of range: 0 to 18446744073709551615"},
         {"float", "0.000123456", ""},
         {"Double", "3.14159265", "has 9 significant digits, of which 6 are kept"},
         {"float", "1e39", "is out of range"},
-        {"double", "1e999", "is out of range"},
-        {"double", "1,5", notNumber},
+        {"double", "1,5", "is no number"},
     };
     for (auto const & [type, text, fault] : rows) {
         EXPECT_EQ(pmltool::numberFault(type, text), fault) << type << ' ' << text;
@@ -163,9 +153,7 @@ TEST(PmlToolWalk, SeesWhatTheParserReadsAndReportsItsErrors) {
             pmltool::print(report, source, all, false);
             std::string expected = error.what();
             expected.insert(expected.find(": "), ": error");
-            EXPECT_NE(all.str().find(expected), std::string::npos) << source.text << '\n'
-                                                                   << error.what() << '\n'
-                                                                   << all.str();
+            EXPECT_NE(all.str().find(expected), std::string::npos) << source.text << '\n' << expected;
             continue;
         }
         Outline seen;
@@ -244,22 +232,19 @@ TEST_F(PmlTool, CommandsPrintWhatIsAskedFor) {
 TEST_F(PmlTool, FormatLosesNothingUnasked) {
     struct {
         char const * input;
-        Words options;
+        char const * options;
         std::string error;
     } const rows[] = {
-        {"a(1)(* c *)", {}, "f:1:5: comments would be lost; --drop-comments allows it\n"},
-        {"a(1)(* c *)", {"--drop-comments"}, ""},
-        {"a(1) b", {}, "f:1:6: error: text behind the end of the node is not read\n"},
-        {"a(b(1)", {}, "f:1:2: error: this list is never closed\n"},
-        {"a(x(1)x(2))", {}, "f:1:7: duplicated unit\n"},
-        {"r(l('a\\'b'(1)))", {"--drop-comments"}, "f: /l would read back differently; see pml check\n"},
-        {"r( *l(1))", {"--mode", "compact"}, "f: / would read back differently; see pml check\n"},
+        {"a(1)(* c *)", "", "f:1:5: comments would be lost; --drop-comments allows it\n"},
+        {"a(1)(* c *)", "--drop-comments", ""},
+        {"a(1) b", "", "f:1:6: error: text behind the end of the node is not read\n"},
+        {"a(x(1)x(2))", "", "f:1:7: duplicated unit\n"},
+        {"r(l('a\\'b'(1)))", "--drop-comments", "f: /l would read back differently; see pml check\n"},
+        {"r( *l(1))", "--mode compact", "f: / would read back differently; see pml check\n"},
     };
     for (auto const & [input, options, error] : rows) {
         writeFile("f", input);
-        Words arguments{"fmt", "--in-place", "f"};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        Result const result = pml(arguments);
+        Result const result = pml(wordsOf(std::string("fmt --in-place f ") + options));
         EXPECT_EQ(result.err, error) << input;
         EXPECT_EQ(result.status, error.empty() ? 0 : 1) << input;
         EXPECT_EQ(contentOf("f"), error.empty() ? "a(1)\n" : input) << input;
@@ -280,35 +265,34 @@ TEST_F(PmlTool, SetChangesOneNodeAndNothingElse) {
     struct {
         char const * path;
         char const * value;
-        Words options;
+        char const * option;
         std::string before;
         std::string after;  ///< or the error
     } const rows[] = {
-        {"/a", "it's", {}, "a( x ", "a( 'it\\'s' "},
-        {"a", "", {}, "a( x ", "a(  "},
-        {"b", " ", {}, "b()", "b(' ')"},
-        {"l/n", "3", {}, "(* 4 *)", "(* 4 *)n(3)"},
-        {"b/n/o", "3", {}, "b()", "b(n(o(3)))"},
-        {"n", "3", {}, "m(x(**)y)", "m(x(**)y) n(3)"},
-        {"l", "-5", {"--force"}, "l(1(2) (* 4 *))", "l(-5)"},
-        {"l", "5", {}, "", "f: l: holds a list; --force puts a text in its place\n"},
-        {"m", "5", {}, "", "f: m: comments stand inside the text\n"},
-        {"a/n", "5", {}, "", "f: a/n: \"a\" holds a text and can have no nodes\n"},
-        {"l[1]", "5", {}, "", "f: l[1]: no such node\n"},
-        {"n", "5", {"--existing"}, "", "f: n: no such node\n"},
-        {"n:o", "5", {}, "", "f: n:o: cannot be set without changing other nodes; see pml check\n"},
+        {"/a", "it's", "", "a( x ", "a( 'it\\'s' "},
+        {"a", "", "", "a( x ", "a(  "},
+        {"b", " ", "", "b()", "b(' ')"},
+        {"l/n", "3", "", "(* 4 *)", "(* 4 *)n(3)"},
+        {"b/n/o", "3", "", "b()", "b(n(o(3)))"},
+        {"n", "3", "", "m(x(**)y)", "m(x(**)y) n(3)"},
+        {"l", "-5", "--force", "l(1(2) (* 4 *))", "l(-5)"},
+        {"l", "5", "", "", "f: l: holds a list; --force puts a text in its place\n"},
+        {"m", "5", "", "", "f: m: comments stand inside the text\n"},
+        {"a/n", "5", "", "", "f: a/n: \"a\" holds a text and can have no nodes\n"},
+        {"l[1]", "5", "", "", "f: l[1]: no such node\n"},
+        {"n", "5", "--existing", "", "f: n: no such node\n"},
+        {"n:o", "5", "", "", "f: n:o: cannot be set without changing other nodes; see pml check\n"},
     };
     for (auto const & row : rows) {
         writeFile("f", document);
         Words arguments{"set", "f", row.path, row.value};
-        arguments.insert(arguments.end(), row.options.begin(), row.options.end());
+        if (*row.option != '\0') arguments.push_back(row.option);
         Result const result = pml(arguments);
         std::string expected = document;
         if (!row.before.empty()) expected.replace(document.find(row.before), row.before.size(), row.after);
         EXPECT_EQ(contentOf("f"), expected) << row.path;
         EXPECT_EQ(result.err, row.before.empty() ? row.after : "") << row.path;
-        EXPECT_EQ(result.status, row.before.empty() ? 1 : 0) << row.path;
-        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.status, row.before.empty()) << row.path;
     }
     for (std::string const & text : awkwardTexts) {
         std::string edited = pml({"set", "-", "/a/b", "--", text}, "r(x(1) (* c *)\n y(2))").out;

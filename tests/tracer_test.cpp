@@ -93,8 +93,7 @@ TEST(Tracer, TheStackIsOneHoweverItIsReached) {
             EXPECT_EQ(stackText().substr(0, 18), "port(f.cpp:999)\nf(");
             diagnostics::leave({"f.cpp", 999, "port"});
             for (int i = depth; i-- > 0; t.pop()) {
-                std::string const top = "f(f.cpp:" + std::to_string(i) + ")";
-                EXPECT_EQ(i % 16 == 0 ? stackText().substr(0, top.size()) : top, top);
+                EXPECT_TRUE(stackText().starts_with("f(f.cpp:" + std::to_string(i) + ")"));
             }
             EXPECT_EQ(stackText(), "");
         }
@@ -107,7 +106,6 @@ TEST(Tracer, TheStackIsOneHoweverItIsReached) {
     dumper d(true);
     t.separator("; ").dump(d);
     EXPECT_EQ(d.str(), "\"theirs(f.cpp:2); mine(f.cpp:1)\"");
-    EXPECT_TRUE(kept.top().prefix().empty() && (*kept.begin()).prefix().empty());
     EXPECT_STREQ(EmptyDataException("", 0, "", "").stack().container().top().func(), "theirs");
     tracer::destroy();
     EXPECT_EQ(stackText(), "");
