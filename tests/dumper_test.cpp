@@ -19,11 +19,10 @@ struct Point {
     }
 };
 
-struct Pair {
-    Point first, second;
+struct Outer {
     dumper & dump(dumper & d) const {
-        d.push("Pair", "@");
-        d.field("n_", 1).field("first", first).field("m_", 2).field("second", second).field("k_", 3);
+        d.push("Outer", "@");
+        d.field("n_", 1).field("first", Point()).field("m_", 2);
         d.pop();
         return d;
     }
@@ -128,19 +127,16 @@ TEST(Dumper, QuotesAndEscapesText) {
 TEST(Dumper, WritesWideTextAndTimes) {
     wstring const wide = {'a', 'b'};
     EXPECT_EQ(dumped(wide, wide.c_str(), iwstr(wide, 1), wstring()), "\"ab\"\"ab\"\"a\"\"\"");
-    EXPECT_EQ(plain(wide) + plain(wide.c_str()) + plain(iwstr()), "abab");
     Time const time = Time::seconds(1000000000);
-    EXPECT_EQ(plain(time), time.toDateTime());
+    EXPECT_EQ(plain(wide) + plain(time), "ab" + time.toDateTime());
     EXPECT_EQ(dumped(time), '"' + time.toDateTime() + '"');
 }
 
 TEST(Dumper, LaysOutBlocksInLinesOrInOne) {
-    EXPECT_EQ(
-        dumped(Pair()),
-        "@Pair {\n    n_ = 1\n    first = @app::Point {\n        x = 1\n        name() = \"p\"\n    }\n    m_ = 2\n"
-        "    second = @app::Point {\n        x = 1\n        name() = \"p\"\n    }\n    k_ = 3\n}");
-    EXPECT_EQ(compact(Pair()), "{1, {1, \"p\"}, 2, {1, \"p\"}, 3}");
-    EXPECT_EQ(compact(Point(), Point()), "{1, \"p\"}{1, \"p\"}");
+    EXPECT_EQ(dumped(Outer()),
+              "@Outer {\n    n_ = 1\n    first = @app::Point {\n        x = 1\n        name() = \"p\"\n    }\n    m_ "
+              "= 2\n}");
+    EXPECT_EQ(compact(Outer(), Point()), "{1, {1, \"p\"}, 2}{1, \"p\"}");
 
     dumper d(dumper::Config{.lineSeparator = "\r\n", .indentSeparator = "\t", .level = 1, .eolSeparator = ";"});
     d << Point();

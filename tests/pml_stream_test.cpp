@@ -65,10 +65,7 @@ TEST(PmlStream, FieldsAreWrittenAndReadBack) {
     stream out;
     from.codec(out.name("s"));
     EXPECT_EQ(out["size"].type(), "ulong");
-    EXPECT_EQ(out["bytes"].type(), "base64");
     EXPECT_EQ(out["logs"].str(ShowMode::COMPACT), "logs(..(1)app(1)net(0))");
-    EXPECT_EQ(out["numbers"].str(ShowMode::COMPACT), "numbers((1)(2)(3))");
-
     Settings to;
     stream in(out.str(ShowMode::FORMATTED), false);
     EXPECT_TRUE(in.isInputStream() && out.isOutputStream());
@@ -103,9 +100,8 @@ TEST(PmlStream, SourcesAndQuestions) {
     EXPECT_TRUE(s.name().empty() && s.has("[0]") && !s.has("a"));
     s.from("n:t(a(1) l((x)) t() bare)", false);
     EXPECT_EQ(s.name() + ':' + s.type(), "n:t");
-    for (char const * name : {"a", "l"}) EXPECT_FALSE(s.empty(name)) << name;
-    for (char const * name : {"t", "bare", "none", ".", "/", ""}) EXPECT_TRUE(s.empty(name)) << name;
-    for (char const * name : {".", "..", "/", "", "none"}) EXPECT_FALSE(s.has(name)) << name;
+    EXPECT_TRUE(s.has("t") && !s.empty("a") && !s.empty("l") && s.empty("t") && s.empty("bare"));
+    for (char const * name : {".", "..", "/", "", "none"}) EXPECT_TRUE(!s.has(name) && s.empty(name)) << name;
     s.setAsOutputStream();
     s.from("a(2) b(3)", true);
     EXPECT_TRUE(s.isOutputStream() && s.name().empty());
