@@ -147,10 +147,21 @@ TEST_F(Crash, LeaksAreReportedAtExit) {
     }
 }
 
-TEST_F(Crash, LateRecordsDoNotHang) {
+/// Programs end with their lines written, also those of their last moments and of threads that are still at it.
+TEST_F(Crash, LateRecordsAreWritten) {
+    run("none");
+    EXPECT_TRUE(contentOf("child.log").starts_with("cached\n"));
+    EXPECT_TRUE(contentOf("child.log").ends_with("from a static destructor\n"));
     for (int i = 0; i < 10; ++i) {
         ASSERT_EQ(run("late"), 0);
-        ASSERT_NE(contentOf("child.log").find("before the exit"), std::string::npos);
+        std::string const log = contentOf("child.log");
+        for (char const * text : {"before the exit\n", "from an exit handler\n", "from a static destructor\n"}) {
+            EXPECT_NE(log.find(text), log.npos) << log;
+        }
+        EXPECT_EQ(log.back(), '\n');
+        std::vector<std::string> lines = linesOf("child.log");
+        std::erase_if(lines, [](std::string const & line) { return !line.starts_with("thread "); });
+        EXPECT_LE(countsOf(lines).size(), 3u);
     }
 }
 
