@@ -275,29 +275,23 @@ TEST(RWRecMutex, KeepsWritersAlone) {
             ++writes;
         };
         for (int n = 0; n < 3000; ++n) {
-            switch (random() % 4) {
-                case 0:
-                case 1: {
-                    TryReadLock lock(rw, time());
-                    if (random() % 2 != 0) lock.acquire();
-                    if (!lock.acquired()) break;
-                    ++readers;
-                    EXPECT_GE(value, 0);
-                    --readers;
-                    if (random() % 2 != 0 && rw.timedUpgrade(time())) write();
-                    break;
-                }
-                case 2: {
-                    TryWriteLock const lock(rw, time());
-                    if (lock.acquired()) write();
-                    break;
-                }
-                default: {
-                    WriteLock const lock(rw), again(rw);
-                    rw.downgrade();
-                    rw.writeLock();
-                    write();
-                }
+            auto const action = random() % 4;
+            if (action < 2) {
+                TryReadLock lock(rw, time());
+                if (random() % 2 != 0) lock.acquire();
+                if (!lock.acquired()) continue;
+                ++readers;
+                EXPECT_GE(value, 0);
+                --readers;
+                if (random() % 2 != 0 && rw.timedUpgrade(time())) write();
+            } else if (action == 2) {
+                TryWriteLock const lock(rw, time());
+                if (lock.acquired()) write();
+            } else {
+                WriteLock const lock(rw), again(rw);
+                rw.downgrade();
+                rw.writeLock();
+                write();
             }
         }
     });

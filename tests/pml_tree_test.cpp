@@ -339,40 +339,25 @@ TEST(PmlTree, RandomEditingKeepsLinksAndKeys) {
             istr const key = random() % 6 != 0 ? istr(name) : istr();
             Unit const * const known = unit.numofChildren() != 0 && !key.empty() ? look(unit, name.c_str()) : nullptr;
             ulong const count = unit.numofChildren();
-            switch (random() % 10) {
-                case 0:
-                case 1:
-                case 2:
-                    if (known != nullptr) {
-                        EXPECT_EQ(raised([&] { unit.addChild(key, "t", "v"); }), duplicated);
-                        EXPECT_EQ(unit.numofChildren(), count);
-                    } else {
-                        raised([&] { unit.addChild(key, "t", "v"); });
-                    }
-                    break;
-                case 3:
-                    if (!wild && !key.empty()) {
-                        EXPECT_EQ(unit.updateChild(key, "u", "w"), known == nullptr);
-                    }
-                    break;
-                case 4:
-                    if (random() % 4 == 0) unit.setValue(name);
-                    break;
-                case 5:
-                    if (random() % 4 == 0) delete unit.popValue();
-                    break;
-                case 6:
-                    if (unit.parent() == nullptr || look(*unit.parent(), name.c_str()) == nullptr) unit.name() = name;
-                    break;
-                case 7:
-                    if (sizeOf(root) < 200) unit << *place();
-                    break;
-                case 8:
-                    if (count != 0 && sizeOf(root) < 200) raised([&] { unit += unit; });
-                    break;
-                default:
-                    if (unit.parent() == nullptr && count != 0 && random() % 8 == 0)
-                        unit = std::move(*unit.at(count - 1));
+            bool const seldom = random() % 4 == 0, small = sizeOf(root) < 200;
+            auto const action = random() % 10;
+            if (action < 3) {
+                std::string const refusal = raised([&] { unit.addChild(key, "t", "v"); });
+                EXPECT_TRUE(known == nullptr || (refusal == duplicated && unit.numofChildren() == count));
+            } else if (action == 3 && !wild && !key.empty()) {
+                EXPECT_EQ(unit.updateChild(key, "u", "w"), known == nullptr);
+            } else if (action == 4 && seldom) {
+                unit.setValue(name);
+            } else if (action == 5 && seldom) {
+                delete unit.popValue();
+            } else if (action == 6 && (unit.parent() == nullptr || look(*unit.parent(), name.c_str()) == nullptr)) {
+                unit.name() = name;
+            } else if (action == 7 && small) {
+                unit << *place();
+            } else if (action == 8 && small && count != 0) {
+                raised([&] { unit += unit; });
+            } else if (action == 9 && seldom && unit.parent() == nullptr && count != 0) {
+                unit = std::move(*unit.at(count - 1));
             }
             ASSERT_EQ(linksAndKeys(root), "") << "round " << round << " step " << i;
         }
