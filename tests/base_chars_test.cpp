@@ -69,12 +69,9 @@ TEST(CStrings, LengthsAndCopiesKeepToTheirRoom) {
     EXPECT_TRUE(StrLenN(std::array{'a', 'b'}.data(), 2) == 2 && StrLenN("a", 2) == 1 && StrLenN(nullptr, 2) == 0);
     EXPECT_STREQ(SafeStr(static_cast<char const *>(nullptr)), "<null>");
 
-    struct Row {
-        void (*act)(char *);
-        std::string expected;
-    };
     using namespace std::string_literals;
-    for (Row const & row : {
+    using Row = std::pair<void (*)(char *), std::string>;
+    for (auto const & [act, expected] : {
              Row{[](char * b) { StrCopy(b, "hi"); }, "hi\0......."s},
              {[](char * b) { StrCopy(b, "hello", 2); }, "he\0......."s},
              {[](char * b) { StrCopy(b, "hi", 4); }, "hi\0\0\0....."s},
@@ -89,8 +86,8 @@ TEST(CStrings, LengthsAndCopiesKeepToTheirRoom) {
              {[](char * b) { StrToLower(StrCopy(b, "AB")); }, "ab\0......."s},
          }) {
         std::string b(10, '.');
-        row.act(b.data());
-        EXPECT_EQ(b, row.expected);
+        act(b.data());
+        EXPECT_EQ(b, expected);
     }
     EXPECT_TRUE(StrCopy(nullptr, "a") == nullptr && StrToUpper(nullptr) == nullptr);
     EXPECT_TRUE(StrIsAllDigits("0123") && !StrIsAllDigits("12a") && !StrIsAllDigits("") && !StrIsAllDigits(nullptr));

@@ -57,9 +57,7 @@ protected:
 
 TEST_F(Crash, EndsAsWithoutAReportAndLeavesOne) {
     constexpr struct {
-        char const * how;
-        char const * signal;
-        char const * exception;
+        char const *how, *signal, *exception;
     } rows[] = {
         {"write", "SIGSEGV", "EXCEPTION_ACCESS_VIOLATION"},
         {"divide", "SIGFPE", "EXCEPTION_INT_DIVIDE_BY_ZERO"},

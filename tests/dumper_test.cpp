@@ -58,8 +58,7 @@ std::string plain(T const & value) {
 TEST(Dumper, WritesEveryScalarDecoratedAndPlain) {
     struct {
         std::string decorated, plain;
-        char const * expected;
-        char const * expectedPlain;
+        char const *expected, *expectedPlain;
     } const rows[] = {
         {dumped(true, false), plain(true) + plain(false), "truefalse", "10"},
         {dumped('a', '\n', '\''), plain('\n'), "'a''<LF>''''", "\n"},
@@ -85,9 +84,7 @@ TEST(Dumper, WritesEveryScalarDecoratedAndPlain) {
 }
 
 TEST(Dumper, QuotesAndEscapesText) {
-    struct {
-        std::string text, expected;
-    } const rows[] = {
+    std::pair<std::string, std::string> const rows[] = {
         {"", ""},
         {"a \"b\"", "\"a \"b\"\""},
         {{"A\0\xFF"
@@ -104,12 +101,12 @@ TEST(Dumper, QuotesAndEscapesText) {
         {std::string(300, ' ') + '\1', '"' + std::string(256, ' ') + "<omit data up to 301>\""},
     };
     for (bool const oneLine : {false, true}) {
-        for (auto const & row : rows) {
+        for (auto const & [text, expected] : rows) {
             dumper d(oneLine, "\n", "-", 2);
             d.internal_stream() << std::hex << std::uppercase << std::setfill('*');
-            d << row.text;
+            d << text;
             d.internal_stream() << std::setw(3) << 10;
-            EXPECT_EQ(d.str(), row.expected + (row.text.empty() ? "**A" : " 10"));
+            EXPECT_EQ(d.str(), expected + (text.empty() ? "**A" : " 10"));
         }
     }
     // One text, whatever holds it.
@@ -164,8 +161,7 @@ TEST(Dumper, DumpsStandardContainers) {
     for (int i : {1, 2, 3}) stack.push(i);
     struct {
         std::string inOneLine, inLines;
-        char const * oneLine;
-        char const * lines;
+        char const *oneLine, *lines;
     } const rows[] = {
 #define ROW(value) compact(value), dumped(value)
         {ROW(std::vector<int>()), "{}", "@yon::vector {\n}"},

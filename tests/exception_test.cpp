@@ -68,17 +68,15 @@ private:
 };
 
 TEST(Current, PrintsNameAndPlace) {
-    struct Row {
-        Current where;
-        char const * expected;
-    };
-    for (Row const & row : {Row{{"util_func.src", 319, "yon::CharAt"}, "yon::CharAt(util_func.src:319)"},
-                            {{"c:\\dir\\a.cpp", 10, nullptr}, "(a.cpp:10)"},
-                            {{"src/yon/mt/cond", 25, "f"}, "f(src/yon/mt/cond:25)"},
-                            {{nullptr, 7, "yon::f"}, "yon::f"},
-                            {{}, ""}}) {
-        EXPECT_EQ(printed(row.where), row.expected);
-        EXPECT_EQ(printed(Current(row.where).prefix("> ")), std::string("> ") + row.expected);
+    std::pair<Current, std::string> const rows[] = {
+        {{"util_func.src", 319, "yon::CharAt"}, "yon::CharAt(util_func.src:319)"},
+        {{"c:\\dir\\a.cpp", 10, nullptr}, "(a.cpp:10)"},
+        {{"src/yon/mt/cond", 25, "f"}, "f(src/yon/mt/cond:25)"},
+        {{nullptr, 7, "yon::f"}, "yon::f"},
+        {{}, ""}};
+    for (auto const & [where, expected] : rows) {
+        EXPECT_EQ(printed(where), expected);
+        EXPECT_EQ(printed(Current(where).prefix("> ")), "> " + expected);
     }
 }
 
@@ -170,8 +168,7 @@ TEST(Exception, OfASystemCallKeepsItsErrorWhenItIsRaisedAgain) {
 TEST(Throw, SpellsTheClassAndTellsTheLog) {
     struct Row {
         void (*raise)();
-        char const * message;
-        char const * note;
+        char const *message, *note;
     };
     Recorder log;
     for (Row const & row : {

@@ -95,10 +95,7 @@ TEST(Nbr, WhatIsRefusedLeavesNothing) {
 
 TEST(Nbr, WhatTheParserAndVerifySayOfBytes) {
     struct {
-        char const * bytes;
-        char const * tree;
-        char const * trace;
-        char const * defect;
+        char const *bytes, *tree, *trace, *defect;
     } const rows[] = {
         {"", "null", "parseValue empty iptr_", "0 there is no value"},
         {"00", "null", "readSimple zero length of size", ""},

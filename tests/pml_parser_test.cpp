@@ -20,8 +20,7 @@ std::string at(char const * error, int line, int column) {
 }
 
 struct Row {
-    std::string text;
-    std::string shape;
+    std::string text, shape;
     std::string unread = "";
 };
 

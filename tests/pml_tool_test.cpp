@@ -39,10 +39,7 @@ Words const awkwardTexts = {"",    "x",   " ",   " x ",      "it's",     "\"", "
 
 TEST_F(PmlTool, CheckReportsEachFindingAtItsPlace) {
     std::string const dup = ": error: duplicated unit: ";
-    struct {
-        std::string input;
-        std::string findings;
-    } const rows[] = {
+    std::pair<std::string, std::string> const rows[] = {
         {"\xEF\xBB\xBF(* one *) a(x(1) y:t(2) (3) z) (* two *)\r\n", ""},
         {"", "1:1: warning: there is no node\n"},
         {"a", "1:1: error: the input ends behind this name\n"},
@@ -89,9 +86,7 @@ TEST_F(PmlTool, CheckReportsEachFindingAtItsPlace) {
 
 TEST(PmlToolNumbers, AreComparedWithTheirTypeWords) {
     struct {
-        char const * type;
-        char const * text;
-        char const * fault;
+        char const *type, *text, *fault;
     } const rows[] = {
         {"", "1.5.8", ""},
         {"Int32_t", " -2147483648 ", ""},
@@ -181,8 +176,7 @@ TEST_F(PmlTool, CommandsPrintWhatIsAskedFor) {
     writeFile("a.pml", "r(n:int(5) t('it\\'s\n(x)') l(:e(a(1)b(2)) :e()) (' u '))");
     writeFile("b.pml", "r((' u ')t('it\\'s\n(x)') n:int(6) l(:e(a(1)b(3)))z(1))");
     struct {
-        char const * arguments;
-        char const * out;
+        char const *arguments, *out;
         char const * err = "";
         int status = 0;
     } const rows[] = {
@@ -231,8 +225,7 @@ TEST_F(PmlTool, CommandsPrintWhatIsAskedFor) {
 
 TEST_F(PmlTool, FormatLosesNothingUnasked) {
     struct {
-        char const * input;
-        char const * options;
+        char const *input, *options;
         std::string error;
     } const rows[] = {
         {"a(1)(* c *)", "", "f:1:5: comments would be lost; --drop-comments allows it\n"},
@@ -263,9 +256,7 @@ TEST_F(PmlTool, SetChangesOneNodeAndNothingElse) {
     std::string const document =
         "\xEF\xBB\xBF(* 1 *) r:t ( (* 2 *)\r\n\ta( x (* 3 *) )\r\n\tl(1(2) (* 4 *)) b() m(x(**)y)\r\n)(* 5 *) ";
     struct {
-        char const * path;
-        char const * value;
-        char const * option;
+        char const *path, *value, *option;
         std::string before;
         std::string after;  ///< or the error
     } const rows[] = {
@@ -364,8 +355,7 @@ TEST_F(PmlTool, RunsAsAProgram) {
     struct {
         char const * arguments;
         int status;
-        std::string out;
-        std::string err;
+        std::string out, err;
     } const rows[] = {
         {"--version", 0, "pml 1.5.8\n", ""},
         {"fmt --mode simple - < f", 0, "a(\n    x(1)\n    y('2\r\n')\n)\n", ""},

@@ -151,8 +151,7 @@ TEST(PmlTree, AddingChildren) {
 
 TEST(PmlTree, NamesThatLookLikePositions) {
     struct Row {
-        char const * there;
-        char const * name;
+        char const *there, *name;
         bool taken;
     };
     Row const rows[] = {{"((a)(b))", "[1]", true},   {"((a)(b))", "[0]", true},    {"((a)(b))", "[2]", false},

@@ -62,10 +62,7 @@ TEST(PmlWriter, EveryLayoutAndPatternAndBack) {
 
 TEST(PmlWriter, Layouts) {
     struct Row {
-        char const * tree;
-        char const * compact;
-        char const * simple;
-        char const * mixed;
+        char const *tree, *compact, *simple, *mixed;
     };
     Row const rows[] = {
         {"server(host(alpha) ports((80)(81)))", "server(host(alpha)ports((80)(81)))",

@@ -64,20 +64,17 @@ TEST(StringRef, WritesInsideItsBuffer) {
 TEST(StringRef, RefusesToLeaveTheBuffer) {
     char room[4];
     StringRef r(room, 4, 4);
-    struct {
-        void (*move)(StringRef &);
-        char const * place;
-    } const rows[] = {
+    std::pair<void (*)(StringRef &), std::string> const rows[] = {
         {[](StringRef & s) { ++s; }, "195 yon::StringRef::operator`++'"},
         {[](StringRef & s) { s++; }, "195 yon::StringRef::operator`++'"},
         {[](StringRef & s) { s.advance(1); }, "217 yon::StringRef::advance"},
         {[](StringRef & s) { s.advance(npos - 1); }, "217 yon::StringRef::advance"},
         {[](StringRef & s) { StringRef(s).rewind(9).advance(0); }, "217 yon::StringRef::advance"},
     };
-    for (auto const & row : rows) {
-        EXPECT_EQ(raisedAt<OutOfRangeException>([&] { row.move(r); }),
-                  std::string("include/yon/string/string_ref:") + row.place);
-        EXPECT_EQ(raised([&] { row.move(r); }), "OutOfRangeException: OutOfRangeException");
+    for (auto const & [move, place] : rows) {
+        auto const leave = [&r, &step = move] { step(r); };
+        EXPECT_EQ(raisedAt<OutOfRangeException>(leave), "include/yon/string/string_ref:" + place);
+        EXPECT_EQ(raised(leave), "OutOfRangeException: OutOfRangeException");
         EXPECT_EQ(r.size(), 4u) << "a refused move changes nothing";
     }
 }

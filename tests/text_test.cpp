@@ -175,10 +175,7 @@ TEST(PrintfTest, KnowsTheTypesOfItsArguments) {
     enum Colour : unsigned char { red = 3 };
     wstring const wide{'w', 'i', 'd', 'e'};
     char const * const null = nullptr;
-    struct {
-        String text;
-        char const * expected;
-    } const rows[] = {
+    std::pair<String, char const *> const rows[] = {
         {Printf("plain 100%%") + Printf("") + Printf(nullptr), "plain 100%"},
         {Printf("%s %s %s %s", String("a"), std::string_view("b"), istr("c"), Bytes("d")), "a b c d"},
         {Printf("[%6s][%-6s][%.2ls]", wide, wide.c_str(), iwstr(wide)), "[  wide][wide  ][wi]"},
@@ -195,15 +192,12 @@ TEST(PrintfTest, KnowsTheTypesOfItsArguments) {
         {Printf("%8p|%-8p", reinterpret_cast<void *>(0xABC), reinterpret_cast<int *>(0x1)), "   0xabc|0x1     "},
         {Printf("%p", static_cast<void *>(nullptr)), "0x0"},
     };
-    for (auto const & row : rows) EXPECT_EQ(row.text, row.expected);
+    for (auto const & [text, expected] : rows) EXPECT_EQ(text, expected);
     EXPECT_EQ(istr(Printf("%s", std::string("a\0b", 3))).size(), 3u);
 }
 
 TEST(PrintfTest, RefusesWhatDoesNotFit) {
-    struct {
-        std::function<void()> call;
-        std::string message;
-    } const rows[] = {
+    std::pair<std::function<void()>, std::string> const rows[] = {
         {[] { Printf("a %5d b", "text"); }, "\"%5d\" does not take argument 1, which is text"},
         {[] { Printf("%d %s", 1, 2); }, "\"%s\" does not take argument 2, which is an integer"},
         {[] { Printf("%s", 2.5); }, "\"%s\" does not take argument 1, which is a real number"},
@@ -224,9 +218,9 @@ TEST(PrintfTest, RefusesWhatDoesNotFit) {
         {[] { Printf("%*d", LLONG_MIN, 1); }, "\"%*\": this width or precision is too large"},
         {[] { Printf("%.*d", ULLONG_MAX, 1); }, "\"%.*\": this width or precision is too large"},
     };
-    for (auto const & row : rows) {
-        EXPECT_EQ(raised<InvalidDataException>(row.call), "InvalidDataException: " + row.message);
-        EXPECT_TRUE(raisedAt<InvalidDataException>(row.call).ends_with(" yon::Printf::Printf"));
+    for (auto const & [call, message] : rows) {
+        EXPECT_EQ(raised<InvalidDataException>(call), "InvalidDataException: " + message);
+        EXPECT_TRUE(raisedAt<InvalidDataException>(call).ends_with(" yon::Printf::Printf"));
     }
 }
 

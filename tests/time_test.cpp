@@ -23,10 +23,7 @@ TEST(DateTimeTest, ShowsLocalTimeToTheMillisecond) {
     static char zone[] = "TZ=XYZ-5:30";
     ::putenv(zone);
     ::tzset();
-    struct {
-        longlong microseconds;
-        char const * text;
-    } const rows[] = {
+    std::pair<longlong, char const *> const rows[] = {
         {999, "1970-01-01 05:30:00.000"},
         {1000, "1970-01-01 05:30:00.001"},
         {-1, "1970-01-01 05:29:59.999"},
@@ -39,18 +36,15 @@ TEST(DateTimeTest, ShowsLocalTimeToTheMillisecond) {
         {Time::max().toMicroSeconds(), "294247-01-10 09:30:54.775"},
         {Time::min().toMicroSeconds(), "-290308-12-22 01:29:05.224"},
     };
-    for (auto const & row : rows) {
+    for (auto const & [microseconds, text] : rows) {
         std::ostringstream os;
-        os << Time(row.microseconds);
-        EXPECT_EQ(os.str(), row.text);
+        os << Time(microseconds);
+        EXPECT_EQ(os.str(), text);
     }
 }
 
 TEST(TimeTest, ShowsIntervals) {
-    struct {
-        Time time;
-        char const * text;
-    } const rows[] = {
+    std::pair<Time, char const *> const rows[] = {
         {Time(1999), "0:00:00.001"},
         {Time(-1999), "-0:00:00.001"},
         {Time::milliSeconds(-1500), "-0:00:01.500"},
@@ -59,7 +53,7 @@ TEST(TimeTest, ShowsIntervals) {
         {Time::max(), "2562047788:00:54.775"},
         {Time::min(), "-2562047788:00:54.775"},
     };
-    for (auto const & row : rows) EXPECT_EQ(row.time.toDuration(), row.text);
+    for (auto const & [time, text] : rows) EXPECT_EQ(time.toDuration(), text);
 }
 
 TEST(TimeTest, RoundsDownAndSaturates) {

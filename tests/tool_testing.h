@@ -11,8 +11,7 @@ using Words = std::vector<std::string>;
 
 struct Result {
     int status;
-    std::string out;
-    std::string err;
+    std::string out, err;
 };
 
 inline Result runTool(int (*tool)(Words, pmltool::Console &), Words const & arguments, std::string const & input) {

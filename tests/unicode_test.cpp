@@ -155,10 +155,7 @@ TEST(UnicodeTest, RaisesTheResult) {
     wstring const lone{'a', 0xDC00};
     wstring const cut{'a', 0xD83D};
     Bytes kept("kept");
-    struct {
-        std::function<void()> call;
-        Result result;
-    } const rows[] = {
+    std::pair<std::function<void()>, Result> const rows[] = {
         {[] { utf8ToWstring("abc\xC0\x80"); }, Result::sourceIllegal},
         {[] { utf8ToWstring("abc\xE2\x82"); }, Result::sourceExhausted},
         {[] { utf8ToAnsi("12345678\xFF"); }, Result::sourceIllegal},
@@ -169,15 +166,15 @@ TEST(UnicodeTest, RaisesTheResult) {
         {[&] { String{cut}; }, Result::sourceExhausted},
         {[&] { std::ostringstream() << iwstr(lone); }, Result::sourceIllegal},
     };
-    for (auto const & row : rows) {
+    for (auto const & [call, result] : rows) {
         try {
-            row.call();
+            call();
             ADD_FAILURE();
         } catch (UTFConversionException const & e) {
-            EXPECT_EQ(e.result(), row.result);
-            EXPECT_STREQ(e.what(), row.result == Result::sourceIllegal ? "sourceIllegal" : "sourceExhausted");
+            EXPECT_EQ(e.result(), result);
+            EXPECT_STREQ(e.what(), result == Result::sourceIllegal ? "sourceIllegal" : "sourceExhausted");
             std::unique_ptr<Exception> const clone(e.yon_clone());
-            EXPECT_EQ(dynamic_cast<UTFConversionException &>(*clone).result(), row.result);
+            EXPECT_EQ(dynamic_cast<UTFConversionException &>(*clone).result(), result);
             EXPECT_THROW(clone->yon_throw(), UTFConversionException);
         }
     }

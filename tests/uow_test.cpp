@@ -15,7 +15,7 @@ namespace {
 /// A command line from words.
 class Words {
 public:
-    Words(std::initializer_list<char const *> words) {
+    explicit Words(std::vector<char const *> const & words) {
         for (char const * w : words) texts_.emplace_back(w);
         for (std::string & t : texts_) pointers_.push_back(t.data());
         pointers_.push_back(nullptr);
@@ -37,7 +37,7 @@ struct Read {
     std::vector<String> files;
     std::ostringstream help;
 
-    bool from(std::initializer_list<char const *> words) {
+    bool from(std::vector<char const *> const & words) {
         Words line(words);
         CmdOptions options("program");
         options.option("port", port, "N", "a port")
@@ -71,10 +71,7 @@ TEST(CmdOptions, ReadsAllForms) {
 }
 
 TEST(CmdOptions, RefusesByName) {
-    struct {
-        std::initializer_list<char const *> words;
-        std::string message;
-    } const cases[] = {
+    std::pair<std::vector<char const *>, std::string> const cases[] = {
         {{"p", "--prot", "1"}, "--prot: unknown option, see --help"},
         {{"p", "-v"}, "-v: unknown option, see --help"},
         {{"p", "--port"}, "--port: a value is missing"},
@@ -82,9 +79,10 @@ TEST(CmdOptions, RefusesByName) {
         {{"p", "--port", "99999999999"}, "--port: not a value for N: \"99999999999\""},
         {{"p", "--verbose=1"}, "--verbose=1: the option takes no value"},
     };
-    for (auto const & c : cases) {
+    for (auto const & [words, message] : cases) {
         Read r;
-        EXPECT_EQ(raised<ArgumentException>([&] { r.from(c.words); }), "yon::ArgumentException: " + c.message);
+        auto const read = [&, &line = words] { r.from(line); };
+        EXPECT_EQ(raised<ArgumentException>(read), "yon::ArgumentException: " + message);
         EXPECT_EQ(r.port, 1);
     }
 }
@@ -186,7 +184,7 @@ TEST(UnitOfWork, TellsOfANullChildUnlessUnwinding) {
 
 TEST(UowMain, IsTheAppAndReadsArguments) {
     EXPECT_THROW(app(), NullPointerException);
-    Words words{"program", "first", "second"};
+    Words words({"program", "first", "second"});
     {
         UowMain program(words.argc(), words.argv());
         EXPECT_EQ(&app(), &program);
