@@ -224,13 +224,10 @@ TEST(BinaryStreams, IntegersAndTheScrambler) {
             ulonglong const kept = used == 0 ? 0 : detail::lowBytes(value, used);
             EXPECT_EQ(BinaryStream::readUint(bytes, size, width), kept);
             EXPECT_EQ(BinaryStream::readInt(istr(bytes, static_cast<ulong>(size)), 8), static_cast<longlong>(kept));
-            // Byte by byte, as long as something is left or the last one has its top bit set.
-            unsigned expected = 0;
-            for (ulonglong left = value;
-                 expected < used && (expected == 0 || left != 0 || bytes[expected - 1] < 0);) {
-                left = ++expected == 8 ? 0 : value >> 8 * expected;
-            }
-            EXPECT_EQ(static_cast<unsigned>(size), expected) << value;
+            // As few bytes as hold the value, and one more behind a byte with its top bit set.
+            unsigned expected = 1;
+            while (expected < 8 && (value >> 8 * expected != 0 || bytes[expected - 1] < 0)) ++expected;
+            EXPECT_EQ(static_cast<unsigned>(size), std::min(expected, used)) << value;
         }
     }
     EXPECT_EQ(BinaryStream::readUint(static_cast<char const *>(nullptr), 4, 4), 0u);

@@ -108,12 +108,12 @@ TEST_F(LeakChecker, ShowsGrowth) {
     Checker::push(block(48), "new", 2, "f", 70);
     Checker::pop(block(8));
     Checker::push(block(56), "same", 1, "f", 11);  // one byte more
-    std::ostringstream grown, all;
-    dumper d(grown, true), to(all, true);
+    std::ostringstream grown;
+    dumper d(grown, true);
     for (MLC_Entry const & e : Checker::since(before)) d << e;
     EXPECT_EQ(grown.str(), "{\"new\", 2, \"f\", 1, 70}{\"more\", 1, \"f\", 2, 10}{\"same\", 1, \"f\", 0, 1}");
-    Checker::dump(to);
-    EXPECT_TRUE(all.str().starts_with("{true, 5, 101, 0, {\"new\", 2, \"f\", 1, 70}, {")) << all.str();
+    Checker::dump(d);
+    EXPECT_NE(grown.str().find("}{true, 5, 101, 0, {\"new\", 2, \"f\", 1, 70}, {"), std::string::npos) << grown.str();
 }
 
 struct Left {

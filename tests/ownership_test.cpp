@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <set>
-#include <sstream>
 
 #include "raise_testing.h"
 #include "thread_testing.h"
@@ -112,16 +111,6 @@ TEST(Singleton, IsMadeOnceHoweverManyCome) {
         EXPECT_EQ(MemLeakChecker::count(), registered);
     }
     MemLeakChecker::enable(false);
-}
-
-TEST(LockableContainers, DumpUnderTheirOwnNames) {
-    mt::map<ThreadId, String> map;
-    mt::set<int> const set{2, 1};
-    Lock const lock(map), again(map);
-    map[42] = "x";
-    dumper lines;
-    lines << map << set;
-    EXPECT_EQ(lines.str(), "@yon::mt::map {\n    42 : \"x\"\n}@yon::mt::set {\n    1\n    2\n}");
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <memory>
 #include <mutex>
 #include <random>
-#include <sstream>
 
 #include "raise_testing.h"
 #include "record_testing.h"
@@ -97,11 +96,6 @@ TEST(Threads, live_from_birth_to_death) {
                                         "INFO 1033 yon::SimpleThread::run_i: thread end."}));
     EXPECT_FALSE(control.isAlive() || worker->living());
     worker->stop();
-    std::ostringstream text;
-    dumper d(text, true);
-    d << *worker << worker->info();
-    EXPECT_EQ(text.str().find("{1, " + std::to_string(unsigned(worker->id())) + ", true, true, false, \"a.worker"),
-              0U);
 }
 
 TEST(Threads, end_when_birth_fails_and_skip_work_when_wait_fails) {
@@ -203,11 +197,8 @@ TEST(Threads, leave_the_factory_when_they_end) {
         EXPECT_LE(info.currDateTime_, worker->currDateTime());
         EXPECT_TRUE(eventually([&] { return ThreadFactory::instance()->size() == known + 2; }));
         dumper d;
-        d << *ThreadFactory::instance();
-        std::string const text = d.str();
+        std::string const text = (d << *ThreadFactory::instance()).str();
         EXPECT_NE(text.find(": @yon::ThreadInfo {\n        sThreadId_ = \"{"), text.npos) << text;
-        EXPECT_NE(text.find("*thread_ = @yon::SimpleThread {"), text.npos) << text;
-        EXPECT_NE(text.find("*thread_ = (void*)0"), text.npos) << text;
         SimpleThread::destroyThreadFactory();
         EXPECT_EQ(ThreadFactory::instance()->size(), 0U);
         worker->stop();
