@@ -153,6 +153,15 @@ TEST_F(Logger, MovesAFileThatALineWouldTakeTooFar) {
     EXPECT_EQ(contentOf(name + ".bak"), "de\nf\n");
     EXPECT_EQ(std::filesystem::file_size(name), maxFileSize + 2);
     EXPECT_EQ(log.counters().rotations, 3u);
+    // Two loggers that take turns.
+    logger other;
+    for (logger * const l : {&log, &other}) l->setMaxNumofMsg(0).filename(name);
+    fill(name, maxFileSize - 4);
+    log.write("a\n");
+    other.write("b\n");
+    log.write("c\n");
+    EXPECT_EQ(contentOf(name), "c\n");
+    EXPECT_EQ(std::filesystem::file_size(name + ".bak"), maxFileSize);
 }
 
 TEST_F(Logger, RenamesLargeFilesOfOthers) {

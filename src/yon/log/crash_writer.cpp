@@ -1,29 +1,8 @@
 #include "yon/log/crash_writer.h"
 
+#include <chrono>
+
 namespace yon {
-
-namespace {
-
-struct Date {
-    longlong year;
-    unsigned month;
-    unsigned day;
-};
-
-/// The Gregorian date of a day counted from 1970-01-01. Years begin in March here, so that a leap day is their last.
-Date dateOf(longlong day) noexcept {
-    constexpr longlong daysInEra = 146097;  // 400 years
-    longlong const shifted = day + 719468;  // from 0000-03-01
-    longlong const era = (shifted >= 0 ? shifted : shifted - daysInEra + 1) / daysInEra;
-    longlong const dayOfEra = shifted - era * daysInEra;
-    longlong const year = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-    longlong const dayOfYear = dayOfEra - (365 * year + year / 4 - year / 100);
-    auto const month = static_cast<unsigned>((5 * dayOfYear + 2) / 153);
-    auto const dayOfMonth = static_cast<unsigned>(dayOfYear - (153 * month + 2) / 5 + 1);
-    return {year + era * 400 + (month >= 10), month < 10 ? month + 3 : month - 9, dayOfMonth};
-}
-
-}  // namespace
 
 void CrashWriter::put(char c) noexcept {
     if (used_ == sizeof buffer_) flush();
@@ -92,28 +71,24 @@ void CrashWriter::hex(char const * name, ulonglong value) noexcept {
 }
 
 void CrashWriter::time(char const * name, longlong microseconds) noexcept {
-    constexpr longlong second = 1000000;
-    constexpr longlong dayLength = 86400 * second;
-    longlong day = microseconds / dayLength;
-    if (microseconds % dayLength < 0) --day;
-    auto const rest = static_cast<ulonglong>(microseconds - day * dayLength);
-    Date const date = dateOf(day);
+    using namespace std::chrono;
+    sys_time<std::chrono::microseconds> const moment{std::chrono::microseconds(microseconds)};
+    auto const day = floor<days>(moment);
+    year_month_day const date(day);
+    hh_mm_ss const clock(floor<milliseconds>(moment - day));
     begin(name, "");
     put('\'');
-    digits(static_cast<ulonglong>(date.year), 10, 4);
-    put('-');
-    digits(date.month, 10, 2);
-    put('-');
-    digits(date.day, 10, 2);
-    put(' ');
-    digits(rest / (3600 * second), 10, 2);
-    put(':');
-    digits(rest / (60 * second) % 60, 10, 2);
-    put(':');
-    digits(rest / second % 60, 10, 2);
-    put('.');
-    digits(rest / 1000 % 1000, 10, 3);
-    put(" UTC')\n");
+    auto const part = [this](auto n, unsigned width, char const * end) {
+        digits(static_cast<ulonglong>(n), 10, width);
+        put(end);
+    };
+    part(static_cast<int>(date.year()), 4, "-");
+    part(static_cast<unsigned>(date.month()), 2, "-");
+    part(static_cast<unsigned>(date.day()), 2, " ");
+    part(clock.hours().count(), 2, ":");
+    part(clock.minutes().count(), 2, ":");
+    part(clock.seconds().count(), 2, ".");
+    part(clock.subseconds().count(), 3, " UTC')\n");
 }
 
 void CrashWriter::call(diagnostics::Location const & where, char const * name, char const * type) noexcept {
