@@ -126,13 +126,10 @@ TEST(BinaryStreams, ByteStringsAndText) {
     EXPECT_TRUE(back == wide);
 
     wchar const broken[] = {'a', 0xD800, 'b', 0};
-    ulong const before = out.str().size();
-    EXPECT_THROW(out.write(broken), UTFConversionException);
-    EXPECT_EQ(out.str().size(), before) << "a failed write leaves nothing";
-    EXPECT_THROW(BinaryInStream(istr("\1\2\xC3(", 4)).read(back), UTFConversionException);
     BinaryOutStream const copy(out);
-    out.write(1);
-    EXPECT_EQ(copy.str().size(), before);
+    EXPECT_THROW(out.write(broken), UTFConversionException);
+    EXPECT_TRUE(out.str() == copy.str()) << "a failed write leaves nothing";
+    EXPECT_THROW(BinaryInStream(istr("\1\2\xC3(", 4)).read(back), UTFConversionException);
 }
 
 TEST(BinaryStreams, WhatIsReadLenientlyAndStrictly) {
@@ -241,9 +238,8 @@ TEST(BinaryStreams, IntegersAndTheScrambler) {
 
 TEST(BinaryStreams, RawReadingStopsAtTheEnd) {
     BinaryInStream in("abc");
-    char c = 0;
+    char c = 0, room[4] = "xyz";
     unsigned char u = 0;
-    char room[4] = "xyz";
     ulong n = 3;
     in.readRaw(c).readRaw(room, &n).readRaw(u);
     EXPECT_TRUE(c == 'a' && n == 2 && istr(room) == "bcz" && u == 0 && in.eof() && in.readLos() == 0);

@@ -27,17 +27,15 @@ TEST(NbrTool, DumpShowsOffsetsTagsSizesAndWhatTheBytesMayMean) {
               "         4    5: 1 byte, number 1 or true\n"
               "         8    5: 2 bytes, number -1 or 65535\n"
               "        13    -: 3 bytes, text \"a\\nc\"\n"
-              "        19    -: 41 bytes, bytes \"" +
-                  std::string(41, 'm') +
-                  "\"\n"
-                  "        64    7: (\n"
-                  "        68      3: null\n"
-                  "        70      4: empty\n"
-                  "        72    )\n"
-                  "        76    8: 4 bytes, number 1075838976 or float 2.5\n"
-                  "        83    9: 3 bytes, number 65536\n"
-                  "        88  )\n"
-                  "        91  text \"\"\n");
+              "        19    -: 41 bytes, bytes \"mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm\"\n"
+              "        64    7: (\n"
+              "        68      3: null\n"
+              "        70      4: empty\n"
+              "        72    )\n"
+              "        76    8: 4 bytes, number 1075838976 or float 2.5\n"
+              "        83    9: 3 bytes, number 65536\n"
+              "        88  )\n"
+              "        91  text \"\"\n");
     std::string const lines = nbr({"dump", "--hex", "-"}, all).out;
     EXPECT_NE(lines.find("\n        78        00 00 20 40\n        83    9: "), lines.npos) << lines;
     EXPECT_NE(lines.find("\n        54        6D 6D 6D 6D 6D 6D 6D 6D 6D\n"), lines.npos) << lines;

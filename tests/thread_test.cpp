@@ -348,27 +348,25 @@ TEST(ThreadManagers, hold_threads_until_they_end_or_it_closes) {
     Records records("src/yon/mt/thread");
     AsyncThreadManager manager("async");
     Owner owner;
-    auto const held = [&] {
-        dumper d(true);
-        d << manager;
-        return d.str();
-    };
-    Handle<Worker> ended(new Worker);
+    Handle<Worker> const ended(new Worker);
     ended->loop_ = [] { return false; };
     manager.put(ended);
     EXPECT_EQ(ended->owner(), &manager);
     ended->start().join();
-    EXPECT_EQ(held(), "{\"async\", false, {}}");
     manager.put(ended);
-    EXPECT_EQ(held(), "{\"async\", false, {}}") << "it has ended already";
+    dumper held(true);
+    EXPECT_EQ((held << manager).str(), "{\"async\", false, {}}") << "it has ended";
     EXPECT_THROW(manager.put(nullptr), NullHandleException);
-    auto const waits = [](Worker * t) { return [t] { return t->wait(Time::seconds(100)); }; };
-    Handle<Worker> const owned(new Worker(&owner)), unstarted(new Worker), running(new Worker);
-    for (Handle<Worker> const & t : {owned, unstarted, running}) {
-        t->wait_ = waits(t.get());
-        manager.put(t);
+    auto brief = std::make_unique<AsyncThreadManager>("brief");
+    Handle<Worker> const owned(new Worker(&owner)), unstarted(new Worker), running(new Worker), orphan(new Worker);
+    for (Handle<Worker> const & t : {owned, unstarted, running, orphan}) {
+        t->wait_ = [w = t.get()] { return w->wait(Time::seconds(100)); };
+        (t == orphan ? *brief : manager).put(t);
         if (t != unstarted) t->start();
     }
+    brief.reset();
+    EXPECT_EQ(orphan->owner(), nullptr);
+    orphan->stop();
     EXPECT_EQ(owned->owner(), &owner);
     records.take();
     manager.close();
@@ -384,15 +382,6 @@ TEST(ThreadManagers, hold_threads_until_they_end_or_it_closes) {
               std::vector<std::string>{"<WARNING> 46 yon::AsyncThreadManager::put: closing async thread "
                                        "manager, not put new thread into it"});
     EXPECT_EQ(owned->__getRef(), 1);
-    Handle<Worker> const orphan(new Worker);
-    orphan->wait_ = waits(orphan.get());
-    {
-        AsyncThreadManager brief("brief");
-        brief.put(orphan);
-        orphan->start();
-    }
-    EXPECT_EQ(orphan->owner(), nullptr);
-    orphan->stop();
 }
 
 TEST(ThreadManagers, stand_threads_that_end_while_they_are_put) {
