@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "raise_testing.h"
+#include "record_testing.h"
 #include "thread_testing.h"
 #include "yon/base/throw.h"
 #include "yon/mt/threadexception.h"
@@ -42,29 +43,20 @@ std::string printed(T const & value) {
 }
 
 /// Stands in for the logging layer: notes what is thrown and provides a call stack.
-class Recorder final : public diagnostics::Sink {
+class Recorder final : public Records {
 public:
-    Recorder() : before_(diagnostics::install(this)) {}
-    ~Recorder() { diagnostics::install(before_); }
-
     void exceptionThrown(diagnostics::Location const & where, istr message) noexcept override {
         notes_.push_back(printed(Current(where)) + " throw " + std::string(message));
         // Reports made while reporting are dropped.
         diagnostics::exceptionThrown(where, "nested");
         nestedAnswers_ = diagnostics::categoryOn("any");
     }
-    void record(diagnostics::Level, istr, diagnostics::Location const &, istr) noexcept override {}
     bool categoryOn(istr category) noexcept override { return category == "any"; }
-    void enter(diagnostics::Location const &) noexcept override {}
-    void leave(diagnostics::Location const &) noexcept override {}
     void callStack(CallStack & out) noexcept override { out = calls_; }
 
     CallStack calls_;
     std::vector<std::string> notes_;
     bool nestedAnswers_ = false;
-
-private:
-    diagnostics::Sink * before_;
 };
 
 TEST(Current, PrintsNameAndPlace) {

@@ -14,10 +14,10 @@ namespace yon {
 
 /// Takes the place of the log while it lives: keeps each record of some source files as "tag line function: text",
 /// and where `traced`, each function that is entered as "> line".
-class Records final : public diagnostics::Sink {
+class Records : public diagnostics::Sink {
 public:
-    explicit Records(std::string files) : files_(std::move(files)), before_(diagnostics::install(this)) {}
-    ~Records() { diagnostics::install(before_); }
+    explicit Records(std::string files = "") : files_(std::move(files)), before_(diagnostics::install(this)) {}
+    virtual ~Records() { diagnostics::install(before_); }
 
     void exceptionThrown(diagnostics::Location const &, istr) noexcept override {}
     void record(diagnostics::Level, istr tag, diagnostics::Location const & at, istr text) noexcept override {

@@ -36,7 +36,7 @@ void forEachCharacter(Visit && visit) {
 }
 
 TEST(Utf8Test, TakesNoOtherSequences) {
-    // Every text of up to three bytes from the borders of the ranges, and what UTF-8 forbids: what is taken is what
+    // Every text of four bytes from the borders of the ranges, and what UTF-8 forbids: what is taken is what
     // comes back.
     char const bytes[] =
         "\x7F\x80\x8F\x90\x9F\xA0\xBF\xC0\xC1\xC2\xDF\xE0\xE1\xEC\xED\xEE\xEF\xF0\xF1\xF3\xF4\xF5\xFF";
@@ -58,8 +58,6 @@ TEST(Utf8Test, TakesNoOtherSequences) {
     for (char const a : bytes) {
         for (char const b : bytes) {
             for (char const c : bytes) {
-                s = {a, b, c};
-                ASSERT_NO_FATAL_FAILURE(check());
                 for (char const d : bytes) {
                     s = {a, b, c, d};
                     ASSERT_NO_FATAL_FAILURE(check());
