@@ -26,15 +26,8 @@ protected:
 
 class Listener : public yon::LoggerCallback {
 public:
-    void onLog(istr line) override {
-        heard += std::string(line);
-        if (answer == nullptr) return;
-        answer->writeAndPrint("answer\n");
-        YON_THROW(yon::InvalidDataException, "not the logger's");
-    }
-
+    void onLog(istr line) override { heard += std::string(line); }
     std::string heard;
-    logger * answer = nullptr;
 };
 
 std::string dumpOf(logger const & l) {
@@ -201,17 +194,6 @@ TEST_F(Logger, RoutesLines) {
     EXPECT_EQ(debug.heard, "o7\no6\no5\no4\n");
     EXPECT_EQ(contentOf(file("a.log")), "silent\na7\na6\na3\no3\na2\no2\n");
     EXPECT_EQ(contentOf(file("a.debug.log")), debug.heard);
-}
-
-TEST_F(Logger, CallbacksMayLogAndThrow) {
-    Listener listener;
-    listener.answer = &log;
-    log.setCallback(&listener);
-    log.filename(file("a.log"));
-    log.writeAndPrint("question\n");
-    log.flush();
-    EXPECT_EQ(listener.heard, "question\n");
-    EXPECT_EQ(contentOf(file("a.log")), "question\nanswer\n");
 }
 
 TEST_F(Logger, NamesInUtf8) {

@@ -34,23 +34,6 @@ Unit const * look(Unit const & unit, char const * step) { return unit.at(istr(st
 
 char const * const duplicated = "duplicated unit";
 
-TEST(PmlTree, Construction) {
-    EXPECT_EQ(earlyPath, "/a/b/.../[]");
-    Unit parent;
-    Unit const units[] = {Unit(),
-                          Unit(nullptr),
-                          Unit(&parent),
-                          Unit("n", &parent),
-                          Unit(new StringValue("v"), &parent),
-                          Unit("n", "t", new ListValue, &parent),
-                          Unit("n", "t", "v", &parent),
-                          Unit("n", "t", istr())};
-    std::string shapes;
-    for (Unit const & u : units) shapes += shape(u) + brokenLinks(u) + '|';
-    EXPECT_EQ(shapes, "|||n|=v|n:t{}|n:t=v|n:t=|");
-    EXPECT_EQ(Unit("n", "t", "v", &parent).parent(), &parent);
-}
-
 TEST(PmlTree, CopiesAreLinkedAndLeaveTheTargetInPlace) {
     Unit root = parsed("r:t(a(x(1)(2))b:u(3)c)");
     Unit const copy(root);
@@ -171,6 +154,7 @@ TEST(PmlTree, NamesThatLookLikePositions) {
 }
 
 TEST(PmlTree, Paths) {
+    EXPECT_EQ(earlyPath, "/a/b/.../[]");
     Unit const root = parsed("r(a(b(c(1)))list(x(0)(1)(x(2)(3)))'a/b'(5))");
     Unit const * const c = root.at(0)->at(0)->at(0);
     Unit const * const list = root.at(1);
@@ -213,19 +197,6 @@ TEST(PmlTree, WrongPositionsAreLogged) {
     for (char const * text : {"too large: 5", "too large: 7", "too large: 6", "Value was not a list."}) {
         EXPECT_EQ(records.count(text), 1) << text;
     }
-}
-
-TEST(PmlTree, Shapes) {
-    for (char const * text : {"a", "a(1)", "a(b(1))", "a(b(c(d())))", "a(:t(1))"}) {
-        EXPECT_TRUE(parsed(text).childWasSingle() && !parsed(text).childrenWereUnnamedList()) << text;
-    }
-    for (char const * text : {"a(b(1)c(2))", "a(b(c(1)d(2)))", "a(:t(1)(2))", "a(:t(1)x:t(2))"}) {
-        EXPECT_FALSE(parsed(text).childWasSingle() || parsed(text).childrenWereUnnamedList()) << text;
-    }
-    for (char const * text : {"a(:t(1):t(2))", "a(:t(1):u(x(1)))"}) {
-        EXPECT_TRUE(!parsed(text).childWasSingle() && parsed(text).childrenWereUnnamedList()) << text;
-    }
-    EXPECT_TRUE(Unit("a", "", new ListValue).childWasSingle());
 }
 
 void stores() {}

@@ -85,12 +85,14 @@ TEST(Record, FramesWithLocationAndCallStack) {
     EXPECT_EQ(tracer::instance()->separator(), "\n            ");
 }
 
-/// Logs, throws and catches while a record is handed over.
+/// Logs to other loggers and to its own, catches and throws while a record is handed over.
 struct Nested : LoggerCallback {
     void onLog(istr line) override {
-        writeDataLog(other, "", 0, "", "a longer record within another one");
-        EXPECT_THROW(YON_THROW(InvalidDataException, "within a record"), InvalidDataException);
         seen += std::string(line);
+        writeDataLog(other, "", 0, "", "a longer record within another one");
+        log().writeAndPrint("not heard\n");
+        EXPECT_THROW(YON_THROW(InvalidDataException, "within a record"), InvalidDataException);
+        YON_THROW(InvalidDataException, "not the logger's");
     }
     logger & other = logger_factory::instance("RT2");
     std::string seen;
