@@ -16,6 +16,7 @@
 #include "yon/log/logger_factory.h"
 #include "yon/log/macros.h"
 #include "yon/mt/simple_thread.h"
+#include "yon/timer/timerManager.h"
 
 /// Asked by the address sanitizer, if there is one: the leaks are meant.
 extern "C" char const * __asan_default_options() { return "detect_leaks=0"; }
@@ -82,11 +83,12 @@ struct Late {
 
 void exitLate() {
     log().mlcOn(true);
+    yon::TimerManager::instance()->start();
     std::atexit([] { YON_LOG_INFO(log(), "from an exit handler"); });
-    for (int i = 0; i < 3; ++i) {
-        std::thread([] {
+    for (int t = 0; t < 3; ++t) {
+        std::thread([t] {
             for (int n = 0;; ++n) {
-                YON_LOG_DATA(log(), "detached\n");
+                YON_LOG_DATA(log(), "thread " << t << " line " << n);
                 YON_DELETE(YON_NEW(int)());
                 // Wine does not survive that threads are ended while they open files at this pace.
                 if (n >= 200) std::this_thread::sleep_for(std::chrono::milliseconds(2));
