@@ -295,6 +295,25 @@ TEST_F(Logger, LosesNoLineOfManyThreadsOverARotation) {
     writers.expect(file("a.log"));
 }
 
+TEST_F(Logger, OneOfSeveralLoggersMovesTheFileThatTheyShare) {
+    std::string const name = file("a.log");
+    for (int i = 0; i < 40; ++i) {
+        writeFile(name, "");
+        std::filesystem::resize_file(name, 10485760 - 4000);
+        logger both[2];
+        for (logger & l : both) l.filename(name);
+        Writers(
+            40,
+            [&](std::string const & line) {
+                logger & mine = both[line[0] % 2];
+                mine.write(line + '\n');
+                mine.flush();
+            },
+            std::this_thread::yield);
+        ASSERT_EQ(both[0].counters().rotations + both[1].counters().rotations, 1u);
+    }
+}
+
 TEST_F(Logger, ReturnsFromFlushWhenTheLinesOfTheCallerAreOut) {
     log.filename(file("a.log"));
     std::atomic<bool> missing{false};

@@ -133,7 +133,7 @@ std::size_t LogFile::writeLines(LogTrouble & trouble) noexcept {
     bool mayMove = true;
     for (std::size_t line = 0; line < end;) {
         if (mayMove && !takes(file_.size(), batch.length(line), maxFileSize)) {
-            mayMove = moveAway(trouble);
+            mayMove = moveAway(batch.length(line), trouble);
             if (!openFile(trouble)) return line;
         }
         std::size_t const first = line;
@@ -169,7 +169,14 @@ bool LogFile::openFile(LogTrouble & trouble) noexcept {
     return false;
 }
 
-bool LogFile::moveAway(LogTrouble & trouble) noexcept try {
+/// Several loggers may have one file, and another one may just have moved it away: then what has its name now is looked
+/// at first. Returns whether it is worth trying again.
+bool LogFile::moveAway(ulong nextLine, LogTrouble & trouble) noexcept try {
+    static constinit detail::SystemLock moving;
+    PatientGuard const guard(moving);
+    file_.close();
+    if (!guard.owns()) return false;
+    if (file_.open(name_.c_str()) != 0 || takes(file_.size(), nextLine, maxFileSize)) return true;
     file_.close();
     String const backup = backupName(name_);
     int const error = platform::moveFile(name_.c_str(), backup.c_str());

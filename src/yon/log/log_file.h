@@ -87,7 +87,7 @@ private:
     void writeBatch(LogTrouble & trouble) noexcept;
     std::size_t writeLines(LogTrouble & trouble) noexcept;
     bool openFile(LogTrouble & trouble) noexcept;
-    bool moveAway(LogTrouble & trouble) noexcept;
+    bool moveAway(ulong nextLine, LogTrouble & trouble) noexcept;
     std::size_t keepWhole(std::size_t first) noexcept;
 
     std::atomic<bool> const & wanted_;
