@@ -108,6 +108,7 @@ void leak() {
 std::map<std::string, std::function<void()>> const ends = {
     {"none", [] {}},
     {"write", write},
+    {"append", [] { log().write(reinterpret_cast<char const *>(std::strtoul("16", nullptr, 10)), 10); }},
     {"divide", divide},
     {"trap", [] { __builtin_trap(); }},
     {"abort", [] { std::abort(); }},

@@ -31,7 +31,8 @@ public:
     /// directory when that has none. Returns false when the file cannot be written: then the rest is done all the
     /// same. One thread at a time, early in `main`.
     static bool install(istr filename = {});
-    /// Puts the earlier handlers back. Called before the library is unloaded, by one thread at a time.
+    /// Puts the earlier handlers back. The lines of loggers are saved as they are without a report. Called before the
+    /// library is unloaded, by one thread at a time.
     static void uninstall() noexcept;
 
     /// Has a function called after the report and the lines of the log are written, before the process ends. The

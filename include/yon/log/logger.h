@@ -31,8 +31,9 @@ public:
 /// cannot be written: lines that are lost are counted.
 ///
 /// Lines are kept in a cache for each file and written out when the cache holds `maxNumofMsg` lines or `maxCacheSize`
-/// bytes, by `flush()`, every second while the timer service runs, and at exit. A line that would take a file past
-/// 10 MiB moves the file to its name with ".bak" first. Without a file name a cache keeps up to 8 MiB, then the
+/// bytes, by `flush()`, every second while the timer service runs, at exit, and in a crash: the first file name takes
+/// over the signals of crashes that have the default action, which follows as before. A line that would take a file
+/// past 10 MiB moves the file to its name with ".bak" first. Without a file name a cache keeps up to 8 MiB, then the
 /// oldest lines go.
 class YON_API logger {
 public:

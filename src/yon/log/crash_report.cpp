@@ -166,6 +166,15 @@ bool handle(platform::CrashCause const & cause, Origin origin) noexcept {
 
 bool onSystemCrash(platform::CrashCause const & cause) noexcept { return handle(cause, Origin::system); }
 
+/// While no report is wanted.
+bool onUnreportedCrash(platform::CrashCause const &) noexcept {
+    emergencyFlush();
+    return true;
+}
+
+constinit std::atomic<bool> installed{false};
+constinit std::atomic<bool> savesLines{false};
+
 [[noreturn]] void onTerminate() noexcept {
     bool const wanted = handle({"std::terminate", 0, false, 0, platform::currentThreadId()}, Origin::terminate);
     std::terminate_handler const earlier = earlierTerminate.load(std::memory_order_acquire);
@@ -194,6 +203,7 @@ bool CrashReport::install(istr filename) {
     program[path.copy(program, sizeof program - 1)] = '\0';
     int const error = platform::prepareCrashFile(filename.empty() ? defaultName() : String(filename));
     platform::watchCrashes(onSystemCrash);
+    installed.store(true, std::memory_order_relaxed);
     if (std::terminate_handler const now = std::set_terminate(onTerminate); now != onTerminate)
         earlierTerminate.store(now, std::memory_order_release);
     return error == 0;
@@ -202,7 +212,18 @@ bool CrashReport::install(istr filename) {
 void CrashReport::uninstall() noexcept {
     if (std::get_terminate() == onTerminate) std::set_terminate(earlierTerminate.load(std::memory_order_acquire));
     platform::unwatchCrashes();
+    installed.store(false, std::memory_order_relaxed);
+    if (savesLines.load(std::memory_order_relaxed)) platform::watchUnclaimedCrashes(onUnreportedCrash);
     platform::closeCrashFile();
+}
+
+void saveLinesInCrashes() noexcept {
+    if (!savesLines.exchange(true, std::memory_order_relaxed)) platform::watchUnclaimedCrashes(onUnreportedCrash);
+}
+
+void endSavingLines() noexcept {
+    if (savesLines.load(std::memory_order_relaxed) && !installed.load(std::memory_order_relaxed))
+        platform::unwatchCrashes();
 }
 
 bool CrashReport::onCrash(Hook hook, void * arg) noexcept {

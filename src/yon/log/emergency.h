@@ -4,8 +4,14 @@
 namespace yon {
 
 /// Writes the cached lines of all loggers to their files, with direct calls of the system and without memory. Waits
-/// a tenth of a second at most for each lock that somebody holds, and leaves out what it does not get. Callable from
-/// a signal handler.
+/// a tenth of a second at most for each lock that somebody holds, perhaps the thread that has crashed; those caches
+/// come last, as they stand. Callable from a signal handler.
 void emergencyFlush() noexcept;
+
+/// Has the lines written when the process crashes, with a crash report or without one; where there is none, the
+/// program's own handlers come first. Called when a file gets its name, by any thread.
+void saveLinesInCrashes() noexcept;
+/// The process ends, or the library goes.
+void endSavingLines() noexcept;
 
 }  // namespace yon

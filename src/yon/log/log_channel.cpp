@@ -61,6 +61,7 @@ struct AtEnd {
             });
         }
         trouble.tell();
+        endSavingLines();
     }
 } const atEnd;
 
@@ -117,7 +118,9 @@ void unlockChannelsOfChild() noexcept {
 
 void emergencyFlush() noexcept {
     if (!tryLockFor(ChannelList::lock, std::chrono::milliseconds(100))) return;
-    ChannelList::forEachFile([](LogFile & f) { f.writeRaw(); });
+    bool left = false;
+    ChannelList::forEachFile([&](LogFile & f) { left |= !f.writeRaw(LogFile::Raw::locked); });
+    if (left) ChannelList::forEachFile([](LogFile & f) { f.writeRaw(LogFile::Raw::asItStands); });
     ChannelList::lock.unlock();
 }
 

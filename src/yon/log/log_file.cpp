@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "yon/log/console.h"
+#include "yon/log/emergency.h"
 #include "yon/platform/platform.h"
 
 namespace yon {
@@ -169,8 +170,8 @@ bool LogFile::openFile(LogTrouble & trouble) noexcept {
     return false;
 }
 
-/// Several loggers may have one file, and another one may just have moved it away: then what has its name now is looked
-/// at first. Returns whether it is worth trying again.
+/// Several loggers may have one file, and another one may just have moved it away: then what has its name now is
+/// looked at first. Returns whether it is worth trying again.
 bool LogFile::moveAway(ulong nextLine, LogTrouble & trouble) noexcept try {
     static constinit detail::SystemLock moving;
     PatientGuard const guard(moving);
@@ -196,6 +197,7 @@ void LogFile::rename(istr name) {
     PatientGuard const guard(fileLock_);
     if (!guard.owns()) return;
     file_.close();
+    if (!text.empty()) saveLinesInCrashes();
     std::lock_guard const nameGuard(nameLock_);
     named_.store(!text.empty(), std::memory_order_relaxed);
     name_.swap(text);
@@ -251,9 +253,10 @@ void LogFile::close() noexcept {
     if (guard.owns()) file_.close();
 }
 
-void LogFile::writeRaw() noexcept {
-    if (!wanted_.load(std::memory_order_relaxed) || !named_.load(std::memory_order_relaxed)) return;
-    if (!tryLockFor(cacheLock_, rawPatience)) return;
+bool LogFile::writeRaw(Raw how) noexcept {
+    if (!wanted_.load(std::memory_order_relaxed) || !named_.load(std::memory_order_relaxed)) return true;
+    bool const locked = how == Raw::locked && tryLockFor(cacheLock_, rawPatience);
+    if (!locked && how == Raw::locked) return false;
     // Where a batch is being written, perhaps by the very thread that crashed, the file is opened a second time.
     bool const own = tryLockFor(fileLock_, rawPatience);
     if (!front_->empty() && (own || nameLock_.tryLock())) {
@@ -264,7 +267,8 @@ void LogFile::writeRaw() noexcept {
         if (!own) nameLock_.unlock();
     }
     if (own) fileLock_.unlock();
-    cacheLock_.unlock();
+    if (locked) cacheLock_.unlock();
+    return true;
 }
 
 void LogFile::lock() noexcept {

@@ -68,9 +68,12 @@ public:
     void takeOver() noexcept;
     /// Closes the file until it is needed again.
     void close() noexcept;
-    /// Writes the cached lines without memory, and without waiting for a lock for long. Callable from a signal
-    /// handler.
-    void writeRaw() noexcept;
+    /// Whether the cache is locked when it is written raw. One that cannot be locked, because a thread has crashed
+    /// while it appended a line, is whole but for that line.
+    enum class Raw { locked, asItStands };
+    /// Writes the cached lines without memory, and without waiting for a lock for long. Returns false if the cache
+    /// could not be locked. Callable from a signal handler.
+    bool writeRaw(Raw how) noexcept;
     /// Take and release the locks of file and cache.
     void lock() noexcept;
     void unlock() noexcept;

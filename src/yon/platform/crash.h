@@ -24,6 +24,9 @@ using CrashHandler = bool (*)(CrashCause const & cause) noexcept;
 /// dump. A crash within the handler ends the process or calls it again. What the process ignores stays ignored. The
 /// handler calls only what is safe in a signal handler. One thread at a time.
 void watchCrashes(CrashHandler handler) noexcept;
+/// The same where nobody else has anything to do when a thread crashes, and for signals that nobody else handles yet;
+/// not for threads that have used up their stack. Nothing when crashes are watched already.
+void watchUnclaimedCrashes(CrashHandler handler) noexcept;
 /// Puts back what was there before, as far as nobody else has put something in its place.
 void unwatchCrashes() noexcept;
 

@@ -70,13 +70,13 @@ bool isOurs(struct sigaction const & action) noexcept {
     return (action.sa_flags & SA_SIGINFO) != 0 && action.sa_sigaction == onSignal;
 }
 
-bool isIgnored(struct sigaction const & action) noexcept {
-    return (action.sa_flags & SA_SIGINFO) == 0 && action.sa_handler == SIG_IGN;
+bool leavesTo(struct sigaction const & action, void (*what)(int)) noexcept {
+    return (action.sa_flags & SA_SIGINFO) == 0 && action.sa_handler == what;
 }
 
-}  // namespace
-
-void watchCrashes(CrashHandler h) noexcept {
+/// Takes over the signals whose present action `wanted` accepts.
+template <class Wanted>
+void watch(CrashHandler h, Wanted wanted) noexcept {
     handler.store(h, std::memory_order_release);
     struct sigaction action = {};
     action.sa_sigaction = onSignal;
@@ -85,10 +85,21 @@ void watchCrashes(CrashHandler h) noexcept {
     for (Watched const & w : watched) ::sigaddset(&action.sa_mask, w.number);
     for (Watched & w : watched) {
         struct sigaction now;
-        if (::sigaction(w.number, nullptr, &now) != 0 || isOurs(now) || isIgnored(now)) continue;
+        if (::sigaction(w.number, nullptr, &now) != 0 || isOurs(now) || !wanted(now)) continue;
         w.earlier = now;
         w.active = ::sigaction(w.number, &action, nullptr) == 0;
     }
+}
+
+}  // namespace
+
+void watchCrashes(CrashHandler h) noexcept {
+    watch(h, [](struct sigaction const & now) { return !leavesTo(now, SIG_IGN); });
+}
+
+void watchUnclaimedCrashes(CrashHandler h) noexcept {
+    if (handler.load(std::memory_order_acquire) != nullptr) return;
+    watch(h, [](struct sigaction const & now) { return leavesTo(now, SIG_DFL); });
 }
 
 void unwatchCrashes() noexcept {

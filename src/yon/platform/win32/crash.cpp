@@ -80,6 +80,7 @@ public:
         id_ = 0;
     }
 
+    bool runs() const noexcept { return thread_ != nullptr; }
     bool isThisThread() const noexcept { return id_ == ::GetCurrentThreadId(); }
 
     /// Calls the handler, for one thread in the life of the process; the others may do it themselves.
@@ -118,7 +119,8 @@ LONG WINAPI onException(EXCEPTION_POINTERS * exception) {
     if (helper.isThisThread()) return EXCEPTION_CONTINUE_SEARCH;
     CrashHandler const h = handler.load(std::memory_order_acquire);
     CrashCause const cause = causeOf(*exception->ExceptionRecord);
-    bool const wanted = h == nullptr || (cause.code == EXCEPTION_STACK_OVERFLOW ? helper.handle(cause) : h(cause));
+    bool const overflow = cause.code == EXCEPTION_STACK_OVERFLOW;
+    bool const wanted = h == nullptr || (overflow ? !helper.runs() || helper.handle(cause) : h(cause));
     LPTOP_LEVEL_EXCEPTION_FILTER const earlier = earlierFilter.load(std::memory_order_acquire);
     return wanted && earlier != nullptr ? earlier(exception) : EXCEPTION_CONTINUE_SEARCH;
 }
@@ -132,11 +134,8 @@ void __cdecl onAbort(int number) {
     if (wanted && earlier != SIG_DFL && earlier != SIG_IGN) earlier(number);
 }
 
-}  // namespace
-
-void watchCrashes(CrashHandler h) noexcept {
+void watch(CrashHandler h) noexcept {
     handler.store(h, std::memory_order_release);
-    helper.start();
     LPTOP_LEVEL_EXCEPTION_FILTER const filter = ::SetUnhandledExceptionFilter(onException);
     if (filter != onException) earlierFilter.store(filter, std::memory_order_release);
     Signal const onAbortBefore = ::signal(SIGABRT, onAbort);
@@ -145,6 +144,18 @@ void watchCrashes(CrashHandler h) noexcept {
     } else if (onAbortBefore != onAbort && onAbortBefore != SIG_ERR) {
         earlierAbort.store(onAbortBefore, std::memory_order_release);
     }
+}
+
+}  // namespace
+
+void watchCrashes(CrashHandler h) noexcept {
+    helper.start();
+    watch(h);
+}
+
+// What was there before is always called.
+void watchUnclaimedCrashes(CrashHandler h) noexcept {
+    if (handler.load(std::memory_order_acquire) == nullptr) watch(h);
 }
 
 void unwatchCrashes() noexcept {
