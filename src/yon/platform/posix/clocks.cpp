@@ -1,6 +1,7 @@
 #include <ctime>
 
 #include "yon/platform/platform.h"
+#include "yon/platform/posix/libc_lock.h"
 
 namespace yon::platform {
 
@@ -23,6 +24,7 @@ longlong monotonicMicroseconds() noexcept { return microseconds(CLOCK_MONOTONIC)
 CalendarTime localTime(longlong seconds) noexcept {
     std::time_t const moment = seconds;
     std::tm t{};
+    LibcLock const lock;
     ::localtime_r(&moment, &t);
     return {longlong{t.tm_year} + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec};
 }
