@@ -6,11 +6,7 @@
 #include <random>
 
 #include "binary_testing.h"
-#include "yon/nbr/input_stream.h"
-#include "yon/nbr/output_stream.h"
-#include "yon/string/unicode.h"
-#include "yon/util/binary_in_stream.h"
-#include "yon/util/binary_out_stream.h"
+#include "yon/yon.h"
 
 /// Blocks that were taken from the heap.
 static std::size_t allocations = 0;
@@ -99,14 +95,18 @@ TEST(BinaryStreams, ScalarsHaveTheirBytesOnEveryTargetAndComeBack) {
 TEST(BinaryStreams, ByteStringsAndText) {
     wchar const wide[] = {'z', 0xE4, 0x20AC, 0xD83D, 0xDE00, 0};
     std::string const utf8 = "z\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80";
-    for (ulong size : {0u, 1u, 40u, 127u, 128u, 300u, 0x8000u, 0x800000u}) {
-        std::string const text(size, 'x');
-        // In as few bytes as leave the top bit clear, as any number.
-        char head[8] = {};
-        head[0] = BinaryStream::writeInt(head + 1, size, 4);
+    // In as few bytes as leave the top bit clear, as any number.
+    for (auto const & [size, head] : {std::pair{0, "01 00"},
+                                      {1, "01 01"},
+                                      {127, "01 7F"},
+                                      {128, "02 80 00"},
+                                      {300, "02 2C 01"},
+                                      {0x8000, "03 00 80 00"},
+                                      {0x800000, "04 00 00 80 00"}}) {
+        std::string const text(static_cast<std::size_t>(size), 'x');
         BinaryOutStream out;
         out.write(istr(text)).write(String(text)).write(wstring(text.begin(), text.end())).write(Bytes(text));
-        std::string const item = std::string(head, static_cast<std::size_t>(head[0]) + 1) + text;
+        std::string const item = unhex(head) + text;
         EXPECT_TRUE(out.str() == item + item + item + item) << size;
         String narrow;
         wstring broad;
@@ -119,9 +119,6 @@ TEST(BinaryStreams, ByteStringsAndText) {
         EXPECT_TRUE(in.eof() && view == text && narrow == text && bytes == text) << size;
     }
     BinaryOutStream out;
-    out.write(istr(std::string(300, 'x'))).write(istr(std::string(128, 'x')));
-    EXPECT_EQ(hex(out.str().leftstr(4)) + hex(out.str().substr(303, 4)), "02 2C 01 7802 80 00 78");
-    out.buffer().reset();
     out.write(wide).write("abc").write(static_cast<char const *>(nullptr)).write(istr(utf8));
     EXPECT_EQ(hex(out.str()), "01 0A " + hex(utf8) + " 01 03 61 62 63 01 00 01 0A " + hex(utf8));
     wstring back;
@@ -129,13 +126,10 @@ TEST(BinaryStreams, ByteStringsAndText) {
     EXPECT_TRUE(back == wide);
 
     wchar const broken[] = {'a', 0xD800, 'b', 0};
-    ulong const before = out.str().size();
-    EXPECT_THROW(out.write(broken), UTFConversionException);
-    EXPECT_EQ(out.str().size(), before) << "a failed write leaves nothing";
-    EXPECT_THROW(BinaryInStream(istr("\1\2\xC3(", 4)).read(back), UTFConversionException);
     BinaryOutStream const copy(out);
-    out.write(1);
-    EXPECT_EQ(copy.str().size(), before);
+    EXPECT_THROW(out.write(broken), UTFConversionException);
+    EXPECT_TRUE(out.str() == copy.str()) << "a failed write leaves nothing";
+    EXPECT_THROW(BinaryInStream(istr("\1\2\xC3(", 4)).read(back), UTFConversionException);
 }
 
 TEST(BinaryStreams, WhatIsReadLenientlyAndStrictly) {
@@ -227,17 +221,12 @@ TEST(BinaryStreams, IntegersAndTheScrambler) {
             ulonglong const kept = used == 0 ? 0 : detail::lowBytes(value, used);
             EXPECT_EQ(BinaryStream::readUint(bytes, size, width), kept);
             EXPECT_EQ(BinaryStream::readInt(istr(bytes, static_cast<ulong>(size)), 8), static_cast<longlong>(kept));
-            // Byte by byte, as long as something is left or the last one has its top bit set.
-            unsigned expected = 0;
-            for (ulonglong left = value;
-                 expected < used && (expected == 0 || left != 0 || bytes[expected - 1] < 0);) {
-                left = ++expected == 8 ? 0 : value >> 8 * expected;
-            }
-            EXPECT_EQ(static_cast<unsigned>(size), expected) << value;
+            // As few bytes as hold the value, and one more behind a byte with its top bit set.
+            unsigned expected = 1;
+            while (expected < 8 && (value >> 8 * expected != 0 || bytes[expected - 1] < 0)) ++expected;
+            EXPECT_EQ(static_cast<unsigned>(size), std::min(expected, used)) << value;
         }
     }
-    char eight[8];
-    EXPECT_EQ(BinaryStream::writeInt(eight, -3, 4), 4);
     EXPECT_EQ(BinaryStream::readUint(static_cast<char const *>(nullptr), 4, 4), 0u);
     EXPECT_EQ(BinaryStream::readUint("\1", -1, 4), 0u);
     char text[] = {'a', '\0', '\xFF'};
@@ -245,14 +234,12 @@ TEST(BinaryStreams, IntegersAndTheScrambler) {
     EXPECT_EQ(hex(istr(text, 3)), "9E FF 00");
     BinaryStream::decrypt(ostr(text, 3));
     EXPECT_EQ(hex(istr(text, 3)), "61 00 FF");
-    EXPECT_EQ(BinaryStream::decrypt(BinaryStream::encrypt(0x5A)), 0x5A);
 }
 
 TEST(BinaryStreams, RawReadingStopsAtTheEnd) {
     BinaryInStream in("abc");
-    char c = 0;
+    char c = 0, room[4] = "xyz";
     unsigned char u = 0;
-    char room[4] = "xyz";
     ulong n = 3;
     in.readRaw(c).readRaw(room, &n).readRaw(u);
     EXPECT_TRUE(c == 'a' && n == 2 && istr(room) == "bcz" && u == 0 && in.eof() && in.readLos() == 0);

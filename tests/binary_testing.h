@@ -3,8 +3,8 @@
 
 #include <string>
 
+#include "record_testing.h"
 #include "yon/base/chars.h"
-#include "yon/base/diagnostics.h"
 
 namespace yon {
 
@@ -31,19 +31,12 @@ inline std::string unhex(std::string const & text) {
 }
 
 /// Keeps what is reported while it lives: "kind file function message".
-struct Reports final : diagnostics::Sink {
-    explicit Reports(bool traces = false) : tracing(traces) { diagnostics::install(this); }
-    ~Reports() { diagnostics::install(nullptr); }
+struct Reports final : Records {
+    explicit Reports(bool traces = false) { debug = traces; }
     void exceptionThrown(diagnostics::Location const & at, istr m) noexcept override { record({}, "thrown", at, m); }
     void record(diagnostics::Level, istr tag, diagnostics::Location const & at, istr m) noexcept override {
-        text += std::string(tag.data(), tag.size()) + " " + at.file + " " + at.func + " " +
-                std::string(m.data(), m.size());
+        text += std::string(tag) + " " + at.file + " " + at.func + " " + std::string(m);
     }
-    bool categoryOn(istr) noexcept override { return tracing; }
-    void enter(diagnostics::Location const &) noexcept override {}
-    void leave(diagnostics::Location const &) noexcept override {}
-    void callStack(CallStack &) noexcept override {}
-    bool const tracing;
     std::string text;
 };
 

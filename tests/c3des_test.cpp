@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "binary_testing.h"
+#include "raise_testing.h"
 #include "yon/base/exception.h"
 
 namespace yon {
@@ -64,11 +65,7 @@ TEST(C3DES, PaddingAndWhatIsRefused) {
     for (ulong size : {0u, 8u, 15u, 17u, 23u}) EXPECT_THROW(C3DES(istr(key, size)), InvalidDataException);
     EXPECT_THROW(C3DES(key, C3DES::Mode::CBC), InvalidDataException);
     EXPECT_THROW(three.vector("short"), InvalidDataException);
-    try {
-        three.decrypt("0123456701234567");
-    } catch (InvalidDataException const & e) {
-        EXPECT_STREQ(e.msg(), "InvalidDataException: broken padding");
-    }
+    EXPECT_EQ(raised([&] { three.decrypt("0123456701234567"); }), "InvalidDataException: broken padding");
 }
 
 }  // namespace

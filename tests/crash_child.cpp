@@ -1,5 +1,6 @@
 // Ends in the way that its last argument names: for the tests of reports on crashes and leaks. Before that: "bare"
-// ends without a crash report, "earlier" has handlers of its own, "nolog" has no log file.
+// ends without a crash report, "earlier" has handlers of its own, "nolog" has no log file, "unnamed" gives the report
+// no name and has the log file in a directory.
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -15,6 +16,7 @@
 #include "yon/log/logger_factory.h"
 #include "yon/log/macros.h"
 #include "yon/mt/simple_thread.h"
+#include "yon/timer/timerManager.h"
 
 /// Asked by the address sanitizer, if there is one: the leaks are meant.
 extern "C" char const * __asan_default_options() { return "detect_leaks=0"; }
@@ -81,11 +83,12 @@ struct Late {
 
 void exitLate() {
     log().mlcOn(true);
+    yon::TimerManager::instance()->start();
     std::atexit([] { YON_LOG_INFO(log(), "from an exit handler"); });
-    for (int i = 0; i < 3; ++i) {
-        std::thread([] {
+    for (int t = 0; t < 3; ++t) {
+        std::thread([t] {
             for (int n = 0;; ++n) {
-                YON_LOG_DATA(log(), "detached\n");
+                YON_LOG_DATA(log(), "thread " << t << " line " << n);
                 YON_DELETE(YON_NEW(int)());
                 // Wine does not survive that threads are ended while they open files at this pace.
                 if (n >= 200) std::this_thread::sleep_for(std::chrono::milliseconds(2));
@@ -135,7 +138,7 @@ int main(int argc, char ** argv) {
     say("");
     YON_TRACE(log());
     std::string const before = argc > 2 ? argv[1] : "";
-    if (before != "nolog") log().filename("child.log");
+    if (before != "nolog") log().filename(before == "unnamed" ? "logs/child.log" : "child.log");
     log().write("cached\n");
     if (before == "earlier") {
         std::signal(SIGSEGV, [](int) { say("earlier signal\n"); });
@@ -143,6 +146,6 @@ int main(int argc, char ** argv) {
     }
     yon::CrashReport::onCrash([](void * text) noexcept { say(static_cast<char const *>(text)); },
                               const_cast<char *>("hook\n"));
-    if (before != "bare" && !yon::CrashReport::install("report.pml")) return 99;
+    if (before != "bare" && !yon::CrashReport::install(before == "unnamed" ? "" : "report.pml")) return 99;
     end(argv[argc - 1]);
 }

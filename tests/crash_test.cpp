@@ -18,8 +18,6 @@ constexpr bool windows = YON_ON_WINDOWS;
 /// open.
 class Crash : public testing::Test {
 protected:
-    ~Crash() override { fs::current_path(home_); }
-
     /// The exit status, or 128 and the number of the signal.
     int run(std::string const & arguments) {
         fs::create_directory(directory_.file(std::to_string(++runs_)));
@@ -50,22 +48,16 @@ protected:
         return calls;
     }
 
-    fs::path const home_ = fs::current_path();
-    // No blanks are in it, so that no shell needs quotes.
-    std::string const program_ = fs::absolute(YON_CRASH_CHILD).make_preferred().string();
-    TemporaryDirectory const directory_{std::string("crash-") +
-                                        testing::UnitTest::GetInstance()->current_test_info()->name()};
+    std::string const program_ = programPath(YON_CRASH_CHILD);
+    WorkingDirectory const directory_{std::string("crash-") +
+                                      testing::UnitTest::GetInstance()->current_test_info()->name()};
     int runs_ = 0;
     pml::Unit report_;
 };
 
-bool contains(std::string const & text, std::string const & part) { return text.find(part) != text.npos; }
-
 TEST_F(Crash, EndsAsWithoutAReportAndLeavesOne) {
     constexpr struct {
-        char const * how;
-        char const * signal;
-        char const * exception;
+        char const *how, *signal, *exception;
     } rows[] = {
         {"write", "SIGSEGV", "EXCEPTION_ACCESS_VIOLATION"},
         {"divide", "SIGFPE", "EXCEPTION_INT_DIVIDE_BY_ZERO"},
@@ -108,7 +100,7 @@ TEST_F(Crash, TellsWhatIsKnown) {
     run("write");
     ASSERT_TRUE(readReport());
     EXPECT_EQ(text("address"), "0x10");
-    EXPECT_TRUE(contains(text("program"), "crash_child")) << text("program");
+    EXPECT_NE(text("program").find("crash_child"), std::string::npos) << text("program");
     EXPECT_EQ(text("time").size(), std::string("2000-01-01 00:00:00.000 UTC").size());
     EXPECT_EQ(text("thread"), text("threads/[0]/id"));
     run("throw");
@@ -143,21 +135,44 @@ TEST_F(Crash, LeavesOldReportsUntilThereIsANewOne) {
     EXPECT_TRUE(contentOf("report.pml").ends_with("\n)\n"));
 }
 
+TEST_F(Crash, ReportsWithoutANameStandBesideTheLog) {
+    run("none");
+    fs::create_directory("logs");
+    runAgain("unnamed write");
+    std::vector<std::string> reports;
+    for (auto const & entry : fs::directory_iterator("logs")) {
+        if (entry.path().extension() == ".pml") reports.push_back(entry.path().filename().string());
+    }
+    ASSERT_EQ(reports.size(), 1u);
+    EXPECT_TRUE(reports[0].starts_with("crash_child.")) << reports[0];
+    EXPECT_TRUE(reports[0].ends_with(".crash.pml")) << reports[0];
+}
+
 TEST_F(Crash, LeaksAreReportedAtExit) {
     for (bool const toFile : {true, false}) {
         EXPECT_EQ(run(toFile ? "leak" : "nolog leak"), 0);
         std::string const report = contentOf(toFile ? "child.log" : "err");
-        EXPECT_TRUE(contains(report, "leak: 3 blocks, 12 bytes")) << report;
-        EXPECT_FALSE(contains(report, "leak: 1 blocks, 8 bytes")) << report;
-        EXPECT_TRUE(contains(report, "total: ")) << report;
+        EXPECT_NE(report.find("leak: 3 blocks, 12 bytes"), report.npos) << report;
+        EXPECT_EQ(report.find("leak: 1 blocks, 8 bytes"), report.npos) << report;
         EXPECT_EQ(contentOf(toFile ? "err" : "child.log"), "");
     }
 }
 
-TEST_F(Crash, LateRecordsDoNotHang) {
+/// Programs end with their lines written, also those of their last moments and of threads that are still at it.
+TEST_F(Crash, LateRecordsAreWritten) {
+    run("none");
+    EXPECT_TRUE(contentOf("child.log").starts_with("cached\n"));
+    EXPECT_TRUE(contentOf("child.log").ends_with("from a static destructor\n"));
     for (int i = 0; i < 10; ++i) {
         ASSERT_EQ(run("late"), 0);
-        ASSERT_TRUE(contains(contentOf("child.log"), "before the exit"));
+        std::string const log = contentOf("child.log");
+        for (char const * text : {"before the exit\n", "from an exit handler\n", "from a static destructor\n"}) {
+            EXPECT_NE(log.find(text), log.npos) << log;
+        }
+        EXPECT_EQ(log.back(), '\n');
+        std::vector<std::string> lines = linesOf("child.log");
+        std::erase_if(lines, [](std::string const & line) { return !line.starts_with("thread "); });
+        EXPECT_LE(countsOf(lines).size(), 3u);
     }
 }
 

@@ -1,13 +1,9 @@
-#include "yon/log/dumper.h"
-
 #include <gtest/gtest.h>
 
 #include <iomanip>
 #include <sstream>
 
-#include "yon/base/bytes.h"
-#include "yon/base/time.h"
-#include "yon/log/dumper_stl.h"
+#include "yon/yon.h"
 
 namespace yon {
 namespace {
@@ -23,11 +19,10 @@ struct Point {
     }
 };
 
-struct Pair {
-    Point first, second;
+struct Outer {
     dumper & dump(dumper & d) const {
-        d.push("Pair", "@");
-        d.field("n_", 1).field("first", first).field("m_", 2).field("second", second).field("k_", 3);
+        d.push("Outer", "@");
+        d.field("n_", 1).field("first", Point()).field("m_", 2);
         d.pop();
         return d;
     }
@@ -63,23 +58,18 @@ std::string plain(T const & value) {
 TEST(Dumper, WritesEveryScalarDecoratedAndPlain) {
     struct {
         std::string decorated, plain;
-        char const * expected;
-        char const * expectedPlain;
+        char const *expected, *expectedPlain;
     } const rows[] = {
-        {dumped(true) + dumped(false), plain(true) + plain(false), "truefalse", "10"},
-        {dumped('a'), plain('a'), "'a'", "a"},
-        {dumped('\n') + dumped('\''), plain('\n'), "'<LF>''''", "\n"},
+        {dumped(true, false), plain(true) + plain(false), "truefalse", "10"},
+        {dumped('a', '\n', '\''), plain('\n'), "'a''<LF>''''", "\n"},
         {dumped(static_cast<unsigned char>(200)), plain(static_cast<unsigned char>('b')), "'\\310'", "b"},
         {dumped(static_cast<signed char>(27)), plain(static_cast<signed char>('c')), "'<ESC>'", "c"},
-        {dumped(short{-1}) + dumped(ushort{2}), plain(short{-1}) + plain(ushort{2}), "-12", "-12"},
-        {dumped(-1) + dumped(2u), plain(-1) + plain(2u), "-12", "-12"},
-        {dumped(-1L) + dumped(2uL), plain(-1L) + plain(2uL), "-12", "-12"},
-        {dumped(-1LL) + dumped(2uLL), plain(-1LL) + plain(2uLL), "-12", "-12"},
-        {dumped(slong{-1}) + dumped(ulong{2}), plain(slong{-1}) + plain(ulong{2}), "-12", "-12"},
-        {dumped(0.5f) + dumped(3.14159265), plain(0.5f) + plain(3.14159265), "0.53.14159", "0.53.14159"},
+        {dumped(short{-1}, ushort{2}), plain(short{-1}) + plain(ushort{2}), "-12", "-12"},
+        {dumped(-1, 2u, slong{-1}, ulong{2}), plain(-1) + plain(2u), "-12-12", "-12"},
+        {dumped(-1L, 2uL, -1LL, 2uLL), plain(-1L) + plain(2uLL), "-12-12", "-12"},
+        {dumped(0.5f, 3.14159265), plain(0.5f) + plain(3.14159265), "0.53.14159", "0.53.14159"},
         {dumped(static_cast<void *>(nullptr)), plain(static_cast<int const *>(nullptr)), "0", "0"},
-        {dumped(green), plain(green), "1", "1"},
-        {dumped(Printed()), plain(Printed()), "printed", "printed"},
+        {dumped(green, Printed()), plain(green) + plain(Printed()), "1printed", "1printed"},
         {dumped(Bit(true), Char('a'), Byte('b'), Long(-5)), plain(Ulong(5)), "true'a''b'-5", "5"},
         {dumped(Double(0.1)), plain(Float(0.1f)), "0.1", "0.1"},
     };
@@ -87,10 +77,6 @@ TEST(Dumper, WritesEveryScalarDecoratedAndPlain) {
         EXPECT_EQ(row.decorated, row.expected);
         EXPECT_EQ(row.plain, row.expectedPlain);
     }
-    int const n = 0;
-    std::ostringstream address;
-    address << static_cast<void const *>(&n);
-    EXPECT_EQ(dumped(&n), address.str());
     dumper d;
     d.internal_stream() << std::hex << std::showbase;
     d << 255;
@@ -98,9 +84,7 @@ TEST(Dumper, WritesEveryScalarDecoratedAndPlain) {
 }
 
 TEST(Dumper, QuotesAndEscapesText) {
-    struct {
-        std::string text, expected;
-    } const rows[] = {
+    std::pair<std::string, std::string> const rows[] = {
         {"", ""},
         {"a \"b\"", "\"a \"b\"\""},
         {{"A\0\xFF"
@@ -117,46 +101,39 @@ TEST(Dumper, QuotesAndEscapesText) {
         {std::string(300, ' ') + '\1', '"' + std::string(256, ' ') + "<omit data up to 301>\""},
     };
     for (bool const oneLine : {false, true}) {
-        for (auto const & row : rows) {
+        for (auto const & [text, expected] : rows) {
             dumper d(oneLine, "\n", "-", 2);
             d.internal_stream() << std::hex << std::uppercase << std::setfill('*');
-            d << row.text;
+            d << text;
             d.internal_stream() << std::setw(3) << 10;
-            EXPECT_EQ(d.str(), row.expected + (row.text.empty() ? "**A" : " 10"));
+            EXPECT_EQ(d.str(), expected + (text.empty() ? "**A" : " 10"));
         }
     }
     // One text, whatever holds it.
     char array[] = "abc";
     unsigned char const bytes[] = "abc";
-    std::string const quoted = "\"abc\"";
-    EXPECT_EQ(dumped("abc"), quoted);
-    EXPECT_EQ(dumped(array) + dumped(bytes) + dumped(+array) + dumped(+bytes), quoted + quoted + quoted + quoted);
-    EXPECT_EQ(dumped(istr("abc")) + dumped(String("abc")) + dumped(Bytes("abc")), quoted + quoted + quoted);
-    EXPECT_EQ(dumped(std::string("abc")) + dumped(std::string_view("abc")) + dumped(Str(array, 4)),
-              quoted + quoted + quoted);
-    EXPECT_EQ(dumped(static_cast<char const *>(nullptr)) + dumped(istr()), "");
+    EXPECT_EQ(dumped("abc", array, bytes, +array, +bytes, Str(array, 4)),
+              "\"abc\"\"abc\"\"abc\"\"abc\"\"abc\"\"abc\"");
+    EXPECT_EQ(dumped(istr("abc"), String("abc"), Bytes("abc"), std::string("abc"), std::string_view("abc")),
+              "\"abc\"\"abc\"\"abc\"\"abc\"\"abc\"");
+    EXPECT_EQ(dumped(static_cast<char const *>(nullptr), istr()), "");
     EXPECT_EQ(plain("a\n\1") + plain(istr()) + plain(String("\"")) + plain(std::string(300, 'x')),
               "a\n\1\"" + std::string(300, 'x'));
 }
 
 TEST(Dumper, WritesWideTextAndTimes) {
     wstring const wide = {'a', 'b'};
-    EXPECT_EQ(dumped(wide) + dumped(wide.c_str()) + dumped(iwstr(wide, 1)) + dumped(wstring()),
-              "\"ab\"\"ab\"\"a\"\"\"");
-    EXPECT_EQ(plain(wide) + plain(wide.c_str()) + plain(iwstr()), "abab");
+    EXPECT_EQ(dumped(wide, wide.c_str(), iwstr(wide, 1), wstring()), "\"ab\"\"ab\"\"a\"\"\"");
     Time const time = Time::seconds(1000000000);
-    EXPECT_EQ(plain(time), time.toDateTime());
+    EXPECT_EQ(plain(wide) + plain(time), "ab" + time.toDateTime());
     EXPECT_EQ(dumped(time), '"' + time.toDateTime() + '"');
 }
 
 TEST(Dumper, LaysOutBlocksInLinesOrInOne) {
-    EXPECT_EQ(dumped(Point()), "@app::Point {\n    x = 1\n    name() = \"p\"\n}");
-    EXPECT_EQ(
-        dumped(Pair()),
-        "@Pair {\n    n_ = 1\n    first = @app::Point {\n        x = 1\n        name() = \"p\"\n    }\n    m_ = 2\n"
-        "    second = @app::Point {\n        x = 1\n        name() = \"p\"\n    }\n    k_ = 3\n}");
-    EXPECT_EQ(compact(Pair()), "{1, {1, \"p\"}, 2, {1, \"p\"}, 3}");
-    EXPECT_EQ(compact(Point(), Point()), "{1, \"p\"}{1, \"p\"}");
+    EXPECT_EQ(dumped(Outer()),
+              "@Outer {\n    n_ = 1\n    first = @app::Point {\n        x = 1\n        name() = \"p\"\n    }\n    m_ "
+              "= 2\n}");
+    EXPECT_EQ(compact(Outer(), Point()), "{1, {1, \"p\"}, 2}{1, \"p\"}");
 
     dumper d(dumper::Config{.lineSeparator = "\r\n", .indentSeparator = "\t", .level = 1, .eolSeparator = ";"});
     d << Point();
@@ -184,8 +161,7 @@ TEST(Dumper, DumpsStandardContainers) {
     for (int i : {1, 2, 3}) stack.push(i);
     struct {
         std::string inOneLine, inLines;
-        char const * oneLine;
-        char const * lines;
+        char const *oneLine, *lines;
     } const rows[] = {
 #define ROW(value) compact(value), dumped(value)
         {ROW(std::vector<int>()), "{}", "@yon::vector {\n}"},
@@ -196,8 +172,6 @@ TEST(Dumper, DumpsStandardContainers) {
         {ROW((std::map<String, String>{{"k", "v"}})), "{k : \"v\"}", "@yon::map {\n    k : \"v\"\n}"},
         {ROW((std::multimap<int, bool>{{1, true}, {1, false}})), "{1 : true, 1 : false}",
          "@yon::multimap {\n    1 : true\n    1 : false\n}"},
-        {ROW((std::map<Long, Point>{{7, Point()}})), "{7 : {1, \"p\"}}",
-         "@yon::map {\n    7 : @app::Point {\n        x = 1\n        name() = \"p\"\n    }\n}"},
         {ROW((std::vector<std::vector<int>>{{1, 2}, {}})), "{{1, 2}, {}}",
          "@yon::vector {\n    @yon::vector {\n        1\n        2\n    }\n    @yon::vector {\n    }\n}"},
         {ROW((std::pair<String, int>("a", 1))), "\"a\" : 1", "\"a\" : 1"},
@@ -207,7 +181,6 @@ TEST(Dumper, DumpsStandardContainers) {
         {ROW(std::make_unique<Point>()), "{1, \"p\"}", "@app::Point {\n    x = 1\n    name() = \"p\"\n}"},
         {ROW(std::shared_ptr<int>()), "<null>", "<null>"},
         {ROW(std::make_shared<bool>(true)), "true", "true"},
-        {ROW(1500ms), "1500ms", "1500ms"},
         {ROW((std::vector<std::chrono::seconds>{1s, 2min})), "{1s, 120s}", "@yon::vector {\n    1s\n    120s\n}"},
         {ROW((std::chrono::duration<double, std::ratio<2, 180>>(1.5))), "1.5[1/90]s", "1.5[1/90]s"},
 #undef ROW

@@ -1,35 +1,26 @@
 // Processes that fork while their threads are busy.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <csignal>
 #include <sstream>
-#include <thread>
-#include <vector>
 
 #include "file_testing.h"
-#include "yon/base/throw.h"
-#include "yon/log/crash_report.h"
-#include "yon/log/logger_factory.h"
-#include "yon/log/macros.h"
-#include "yon/mt/simple_thread.h"
-#include "yon/pml/file.h"
-#include "yon/pml/pml_parser.h"
-#include "yon/util/singleton_T.h"
+#include "thread_testing.h"
+#include "yon/yon.h"
 
 namespace yon {
 namespace {
 
-/// The status of a forked process that does this. One that hangs is ended by a signal.
+/// The status of a forked process that ends with what `work` returns. One that hangs is ended by a signal.
 template <class Work>
 int inChild(Work work, pid_t * id = nullptr) {
     pid_t const child = ::fork();
     if (child == 0) {
         ::alarm(20);
-        work();
-        ::_exit(0);
+        ::_exit(work());
     }
     if (id != nullptr) *id = child;
     int status = -1;
@@ -45,7 +36,7 @@ struct Slow {
 using Single = Singleton_T<Slow>;
 
 /// Takes every lock of the library that a fork could catch.
-void useEverything() {
+int useEverything() {
     YON_TRACE(logger_factory::yon());
     YON_DELETE(YON_NEW(double)());
     MemLeakChecker::count();
@@ -59,6 +50,7 @@ void useEverything() {
     }
     SimpleThread::current();
     Single::instance("", 0, "");
+    return Time::now().toDateTime().empty() ? 1 : 0;
 }
 
 /// Forks while other threads make what the first use makes, and while this one makes a singleton. How many children
@@ -67,22 +59,18 @@ int forkAmongBusyThreads(std::string const & logFile) {
     logger_factory::instance("fork.busy").filename(logFile);
     MemLeakChecker::enable(true);
     std::atomic<bool> going{true};
-    std::vector<std::thread> busy;
-    for (int i = 0; i < 3; ++i) {
-        busy.emplace_back([&going, i] {
-            while (going) {
-                useEverything();
-                if (i == 0) Single::destroy();
-            }
-        });
-    }
+    InThreads const busy(3, [&going](int i) {
+        while (going) {
+            useEverything();
+            if (i == 0) Single::destroy();
+        }
+    });
     struct Forking {
         int const status = inChild(useEverything);
     };
     int failed = Singleton_T<Forking>::instance("", 0, "")->status != 0;
     for (int i = 0; i < 10; ++i) failed += inChild(useEverything) != 0;
     going = false;
-    for (std::thread & t : busy) t.join();
     return failed;
 }
 
@@ -90,7 +78,92 @@ TEST(Fork, TheChildFindsEveryLockFree) {
     if (YON_SANITIZED) GTEST_SKIP() << "the memory of the sanitizers does not survive forks";
     TemporaryDirectory const directory("fork");
     std::string const name = directory.file("busy.log");
-    for (int i = 0; i < 10; ++i) ASSERT_EQ(inChild([&] { ::_exit(forkAmongBusyThreads(name)); }), 0) << i;
+    for (int i = 0; i < 10; ++i) ASSERT_EQ(inChild([&] { return forkAmongBusyThreads(name); }), 0) << i;
+}
+
+TEST(Fork, TheChildDropsTheLinesOfItsParent) {
+    TemporaryDirectory const directory("fork");
+    std::string const name = directory.file("a.log");
+    logger & log = logger_factory::instance("fork");
+    log.filename(name);
+    constexpr int forks = 50;
+    std::atomic<bool> end{false};
+    InThreads(2, [&](int thread) {
+        for (int i = 0; thread == 1 && !end; ++i) {
+            log.write("thread " + std::to_string(i) + '\n');
+            if (i % 100 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        for (int i = 0; thread == 0 && i < forks; ++i) {
+            log.write("parent " + std::to_string(i) + '\n');
+            auto const write = [&] {
+                logger_factory::instance("fork").write("child " + std::to_string(i) + '\n');
+                logger_factory::flush();
+                return 0;
+            };
+            EXPECT_EQ(inChild(write), 0) << i;
+        }
+        end = true;
+    });
+    log.flush();
+    auto const counts = countsOf(linesOf(name));
+    EXPECT_TRUE(counts.size() == 3 && counts.at("parent ") == forks && counts.at("child ") == forks);
+    EXPECT_EQ(log.counters().rotations, 0u);
+}
+
+bool knowsItself() {
+    return SimpleThread::current().sThreadId_ ==
+               "<" + std::to_string(::getpid()) + "." + std::to_string(::gettid()) + ">" &&
+           ThreadId::current() == static_cast<unsigned>(::gettid());
+}
+
+struct Waiting : SimpleThread {
+    Waiting() : SimpleThread(nullptr, "waiting") {}
+    bool onWait() override { return wait(Time::seconds(1000)); }
+};
+
+/// The child is one thread, with an id of its own, whatever the others were at when the process forked.
+TEST(Fork, ThreadsKnowWhoTheyAre) {
+    if (YON_SANITIZED) GTEST_SKIP() << "the sanitizers allow no threads in a forked child";
+    std::atomic<bool> on{true};
+    InThreads const busy(1, [&](int) {
+        while (on) std::thread([] { SimpleThread::current(); }).join();
+    });
+    auto const startThread = [] {
+        if (!knowsItself() || ThreadFactory::instance()->size() != 1) return 1;
+        Handle<Waiting> const thread(new Waiting);
+        thread->start();
+        thread->stop();
+        return ThreadFactory::instance()->size() == 1 ? 0 : 2;
+    };
+    EXPECT_TRUE(knowsItself());
+    for (int i = 0; i < 50; ++i) EXPECT_EQ(inChild(startThread), 0);
+    on = false;
+    EXPECT_TRUE(knowsItself());
+}
+
+/// A thread that the system refuses can be started later, also when it belongs to no handle.
+TEST(Fork, AThreadThatTheSystemHasRefusedCanBeStarted) {
+    if (YON_SANITIZED) GTEST_SKIP() << "the sanitizers allow no tight limits";
+    auto const refuseAndStart = [] {
+        Waiting thread;
+        thread.__setNoDelete(true);
+        rlimit unlimited{};
+        ::getrlimit(RLIMIT_AS, &unlimited);
+        rlimit const tight{rlim_t{256} << 20, unlimited.rlim_max};
+        ::setrlimit(RLIMIT_AS, &tight);
+        int error = 0;
+        try {
+            thread.start(0xF0000000U);
+        } catch (ThreadSyscallException const & e) {
+            error = e.error();
+        }
+        ::setrlimit(RLIMIT_AS, &unlimited);
+        if (error != EAGAIN || thread.started()) return 1;
+        thread.start();
+        thread.stop();
+        return 0;
+    };
+    EXPECT_EQ(inChild(refuseAndStart), 0);
 }
 
 TEST(Fork, TheChildReportsItsOwnCrash) {
@@ -99,7 +172,7 @@ TEST(Fork, TheChildReportsItsOwnCrash) {
     ASSERT_TRUE(CrashReport::install(name));
     YON_TRACE(logger_factory::yon());
     pid_t id = 0;
-    int const status = inChild([] { std::raise(SIGSEGV); }, &id);
+    int const status = inChild([] { return std::raise(SIGSEGV); }, &id);
     CrashReport::uninstall();
     EXPECT_TRUE(YON_SANITIZED || (WIFSIGNALED(status) && WTERMSIG(status) == SIGSEGV)) << status;
     EXPECT_FALSE(std::filesystem::exists(name));

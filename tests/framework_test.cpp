@@ -1,28 +1,20 @@
 // The test framework, by a program that uses it.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-
 #include "file_testing.h"
 
 namespace yon {
 namespace {
 
-namespace fs = std::filesystem;
-
 /// Runs the program in a directory of its own.
 class Framework : public testing::Test {
 protected:
-    Framework() { fs::current_path(directory_.file("")); }
-    ~Framework() override { fs::current_path(home_); }
-
     /// The exit status; 255 for a crash on every system.
     int run(std::string const & arguments, std::string const & input = "") {
         writeFile("in", input);
         int const status = std::system((program_ + ' ' + arguments + " < in > out 2> err").c_str());
-        return status > 255 && status % 256 == 0 && status / 256 < 128 ? status / 256
-                                                                       : (status > 255 || status < 0 ? 255 : status);
+        bool const ended = status % 256 == 0 && status / 256 < 128;
+        return ended ? status / 256 : status < 0 || status > 255 ? 255 : status;
     }
     static bool has(char const * file, std::string const & text) {
         std::string content = contentOf(file);
@@ -30,9 +22,8 @@ protected:
         return content.find(text) != std::string::npos;
     }
 
-    fs::path const home_ = fs::current_path();
-    std::string const program_ = fs::absolute(YON_FRAMEWORK_CHILD).make_preferred().string();
-    TemporaryDirectory const directory_{"framework"};
+    std::string const program_ = programPath(YON_FRAMEWORK_CHILD);
+    WorkingDirectory const directory_{"framework"};
 };
 
 TEST_F(Framework, RunsWhatIsAskedFor) {

@@ -1,19 +1,11 @@
 // Loggers: settings, caches, files, rotation, routing, and many threads at once.
-#include "yon/log/logger.h"
-
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdlib>
-#include <thread>
 
 #include "file_testing.h"
-#include "yon/base/throw.h"
-#include "yon/log/console.h"
-#include "yon/log/dumper.h"
-#include "yon/log/logger_factory.h"
-#include "yon/log/record.h"
-#include "yon/pml/pml_stream.h"
+#include "thread_testing.h"
+#include "yon/yon.h"
 
 namespace {
 
@@ -34,15 +26,8 @@ protected:
 
 class Listener : public yon::LoggerCallback {
 public:
-    void onLog(istr line) override {
-        heard += std::string(line);
-        if (answer == nullptr) return;
-        answer->writeAndPrint("answer\n");
-        YON_THROW(yon::InvalidDataException, "not the logger's");
-    }
-
+    void onLog(istr line) override { heard += std::string(line); }
     std::string heard;
-    logger * answer = nullptr;
 };
 
 std::string dumpOf(logger const & l) {
@@ -60,7 +45,7 @@ TEST_F(Logger, SettingsGoThroughPmlInTheOrderOfTheirKeys) {
     yon::pml::stream out;
     log.codec(out);
     std::string keys;
-    for (yon::ulong i = 0; i < out.unit().numofChildren(); ++i) keys += std::string(out.unit()[i].name()) + ' ';
+    for (auto const * child : *out.unit().listValue()) keys += child->name() + ' ';
     EXPECT_EQ(keys,
               "debugOn traceOn dataLogOn debugLogOn traceLogOn diagLogOn cmdLogOn commLogOn hbLogOn appLogOn appLogs "
               "msgLogOn msgLogs useLogfile filename useDebugLogfile filenameDebug maxNumofMsg maxCacheSize consoleOn "
@@ -68,8 +53,9 @@ TEST_F(Logger, SettingsGoThroughPmlInTheOrderOfTheirKeys) {
     yon::pml::stream in(out.str());
     logger read;
     read.codec(in);
-    EXPECT_EQ(dumpOf(read), dumpOf(log));
-    EXPECT_EQ(dumpOf(logger(log)), dumpOf(log));
+    std::string const dump = dumpOf(log);
+    EXPECT_TRUE(dumpOf(read) == dump && dumpOf(logger(log)) == dump && dump.starts_with("@yon::logger {\n"));
+    EXPECT_EQ(std::count(dump.begin(), dump.end(), '='), 26) << dump;
     // Keys that are absent, and names that are empty, change nothing; a new main name brings its debug name.
     yon::pml::stream few(istr("log(traceOn(1) filename() maxNumofMsg(x))"));
     log.codec(few);
@@ -77,35 +63,12 @@ TEST_F(Logger, SettingsGoThroughPmlInTheOrderOfTheirKeys) {
     yon::pml::stream named(istr("log(filename(b.txt))"));
     log.codec(named);
     EXPECT_EQ(log.debugFilename(), "b.txt.debug");
-    for (std::string const name : {"c", ""}) {
-        log.filename(name + (name.empty() ? "" : ".log"));
-        EXPECT_EQ(log.debugFilename(), name + (name.empty() ? "" : ".debug.log"));
-    }
-}
-
-TEST_F(Logger, DumpsItsFieldsInOrder) {
-    log.filename(file("app.log"));
-    log.write("1\n");
-    std::string const dump = dumpOf(log);
-    std::istringstream fields(
-        "debugOn_=false traceOn_=false dataLogOn_=true debugLogOn_=true traceLogOn_=false diagLogOn_=false "
-        "cmdLogOn_=false commLogOn_=false hbLogOn_=false appLogOn_=true appLogs_=@yon::map msgLogOn_=false "
-        "msgLogs_=@yon::map useLogfile_=true filename_=\" useDebugLogfile_=true filenameDebug_=\" maxNumofMsg_=100 "
-        "maxCacheSize_=32768 consoleOn_=false mlcOn_=false cache_=@yon::list currSize_=2 cacheDebug_=@yon::list "
-        "currSizeDebug_=0 inited_=false");
-    std::size_t at = dump.find("@yon::logger {");
-    for (std::string field; fields >> field;) {
-        field.replace(field.find('='), 1, " = ");
-        at = dump.find("\n    " + field, at);
-        ASSERT_NE(at, dump.npos) << field << " in\n" << dump;
-    }
+    log.filename("");
+    EXPECT_EQ(log.debugFilename(), "");
 }
 
 TEST_F(Logger, SwitchesByName) {
-    for (bool const b : {true, false}) {
-        log.logOn(b ? "on" : "off", b);
-        log.msgOn(b ? "on" : "off", b);
-    }
+    for (char const * name : {"on", "off"}) log.logOn(name, name[1] == 'n'), log.msgOn(name, name[1] == 'n');
     for (bool const wanted : {false, true}) {
         log.debugOn(wanted).msgLogOn(wanted);
         std::string bits;
@@ -120,25 +83,24 @@ TEST_F(Logger, SwitchesByName) {
 TEST_F(Logger, WritesACacheThatIsFull) {
     std::string const name = file("a.log");
     log.filename(name);
+    auto const size = [&] { return contentOf(name).size(); };
     for (int i = 1; i < 100; ++i) log.write("line\n");
     EXPECT_FALSE(std::filesystem::exists(name));
     log.write("line\n");
-    EXPECT_EQ(linesOf(name).size(), 100u);
+    EXPECT_EQ(size(), 500u);
     // By size, which begins anew.
     log.write(std::string(32767, 'a'));
-    EXPECT_EQ(contentOf(name).size(), 500u);
+    EXPECT_EQ(size(), 500u);
     log.write("b");
-    EXPECT_EQ(contentOf(name).size(), 500u + 32768);
+    EXPECT_EQ(size(), 500u + 32768);
     log.setMaxNumofMsg(0).write("at once\n");
-    EXPECT_EQ(contentOf(name).size(), 500u + 32768 + 8);
+    EXPECT_EQ(size(), 500u + 32768 + 8);
     log.writeDebug("debug\n", 3);
     EXPECT_EQ(contentOf(file("a.debug.log")), "deb");
     log.setMaxNumofMsg(100);
     log.write("x\n");
     log.flush();
-    logger::Counters const c = log.counters();
-    EXPECT_EQ(c.written, 105u);
-    EXPECT_EQ(c.dropped + c.failedOpens + c.rotations, 0u);
+    EXPECT_EQ(log.counters().written, 105u);
 }
 
 TEST_F(Logger, KeepsLinesUntilThereIsAName) {
@@ -153,39 +115,46 @@ TEST_F(Logger, KeepsLinesUntilThereIsAName) {
     EXPECT_EQ(contentOf(file("a.log")) + contentOf(file("b.log")), "late\nother\n");
 
     logger nameless;
-    std::string const line(1u << 20, 'x');
-    for (char c = 'a'; c != 'a' + 20; ++c) nameless.write(c + line.substr(1));
+    for (char c = 'a'; c != 'a' + 20; ++c) nameless.write(std::string(1u << 20, c));
     EXPECT_EQ(nameless.counters().dropped, 12u);
     nameless.filename(file("c.log"));
     nameless.flush();
-    EXPECT_EQ(std::filesystem::file_size(file("c.log")), 8 * line.size());
+    EXPECT_EQ(std::filesystem::file_size(file("c.log")), 8u << 20);
     EXPECT_EQ(contentOf(file("c.log"))[0], 'a' + 12);
 }
 
 TEST_F(Logger, MovesAFileThatALineWouldTakeTooFar) {
     std::string const name = file("a.log");
+    auto const write = [&](std::initializer_list<istr> lines) {
+        for (istr line : lines) log.write(line);
+        log.flush();
+    };
     fill(name, maxFileSize - 4);
     log.filename(name);
-    log.write("123\n");
-    log.flush();
-    EXPECT_EQ(std::filesystem::file_size(name), maxFileSize);
+    write({"123\n"});
     EXPECT_FALSE(std::filesystem::exists(name + ".bak"));
     writeFile(name + ".bak", "older");
-    log.write("next\n");
-    log.flush();
+    write({"next\n"});
     EXPECT_EQ(contentOf(name), "next\n");
     EXPECT_EQ(std::filesystem::file_size(name + ".bak"), maxFileSize);
     // Within a batch, line by line.
     fill(name, maxFileSize - 5);
-    for (char const * line : {"abc\n", "de\n", "f\n"}) log.write(line);
-    log.flush();
+    write({"abc\n", "de\n", "f\n"});
     EXPECT_EQ(contentOf(name), "de\nf\n");
     EXPECT_EQ(std::filesystem::file_size(name + ".bak"), maxFileSize - 1);
-    log.write(std::string(maxFileSize + 1, 'y') + '\n');  // too long for any file
-    log.flush();
+    write({std::string(maxFileSize + 1, 'y') + '\n'});  // too long for any file
     EXPECT_EQ(contentOf(name + ".bak"), "de\nf\n");
     EXPECT_EQ(std::filesystem::file_size(name), maxFileSize + 2);
     EXPECT_EQ(log.counters().rotations, 3u);
+    // Two loggers that take turns.
+    logger other;
+    for (logger * const l : {&log, &other}) l->setMaxNumofMsg(0).filename(name);
+    fill(name, maxFileSize - 4);
+    log.write("a\n");
+    other.write("b\n");
+    log.write("c\n");
+    EXPECT_EQ(contentOf(name), "c\n");
+    EXPECT_EQ(std::filesystem::file_size(name + ".bak"), maxFileSize);
 }
 
 TEST_F(Logger, RenamesLargeFilesOfOthers) {
@@ -227,23 +196,11 @@ TEST_F(Logger, RoutesLines) {
     EXPECT_EQ(contentOf(file("a.debug.log")), debug.heard);
 }
 
-TEST_F(Logger, CallbacksMayLogAndThrow) {
-    Listener listener;
-    listener.answer = &log;
-    log.setCallback(&listener);
-    log.filename(file("a.log"));
-    log.writeAndPrint("question\n");
-    log.flush();
-    EXPECT_EQ(listener.heard, "question\n");
-    EXPECT_EQ(contentOf(file("a.log")), "question\nanswer\n");
-}
-
 TEST_F(Logger, NamesInUtf8) {
     log.filename(file("\xC3\xA0-\xE6\x97\xA5.log"));
     log.write("line\n");
     log.flush();
-    std::u8string const name = u8"\u00E0-\u65E5.log";
-    EXPECT_EQ(std::filesystem::file_size(std::filesystem::path(file("x")).parent_path() / name), 5u);
+    EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(file("")) / u8"\u00E0-\u65E5.log"));
 }
 
 TEST_F(Logger, ReadsItsConfiguration) {
@@ -251,20 +208,25 @@ TEST_F(Logger, ReadsItsConfiguration) {
     writeFile(config, "\xEF\xBB\xBFp2p(log(debugOn(1) loggers(loud(traceOn(1)) mute(enable(0) debugLogOn(1)))))");
     logger & loud = yon::logger_factory::instance("loud");
     logger & mute = yon::logger_factory::instance("mute");
-    EXPECT_EQ(&loud, &yon::logger_factory::instance("loud").init("other"));
-    EXPECT_EQ(loud.id(), "loud");
-    EXPECT_EQ(&yon::logger_factory::yon(), &yon::logger_factory::instance("YON"));
+    EXPECT_EQ(yon::logger_factory::instance("loud").init("other").id(), "loud");
     for (logger * const l : {&loud, &mute}) l->reload(config);
     EXPECT_TRUE(loud.debugOn() && loud.traceOn());
     EXPECT_FALSE(mute.debugOn() || mute.dataLogOn() || mute.debugLogOn() || mute.useLogfile() ||
                  mute.useDebugLogfile());
+    // What is out stays out while the file is read again.
+    std::atomic<bool> read{false};
+    std::thread reader([&] {
+        for (int i = 0; i < 200; ++i) mute.reload(config);
+        read = true;
+    });
+    while (!read) EXPECT_FALSE(mute.dataLogOn() || mute.useLogfile());
+    reader.join();
     writeFile(config, "p2p(log(debugOn(1)))");
     mute.reload(config);  // is what it was
     EXPECT_TRUE(mute.debugOn() && mute.dataLogOn() && mute.useLogfile() && !mute.traceOn());
     yon::dumper d;
     std::string const dump = yon::logger_factory::dump(d).str();
-    EXPECT_NE(dump.find("yon::logger_factory {\n    loggers_ = @yon::mt::map {\n"), dump.npos) << dump;
-    EXPECT_NE(dump.find("loud : @yon::logger {"), dump.npos) << dump;
+    EXPECT_NE(dump.find("yon::logger_factory {\n    loggers_ = @yon::mt::map {\n        "), dump.npos) << dump;
 }
 
 TEST_F(Logger, WritesStartLines) {
@@ -288,11 +250,7 @@ TEST_F(Logger, WritesStartLines) {
         rule + "\nyon version 1.5.8-01 2009-09-04...09-14\nyon compiled at Sep 16 2009 09:30:20\n";
     std::string const first = rule + "\nlog file is " + file("a.log") + '\n' + end;
     std::string texts;
-    for (std::string const & line : linesOf(file("yon.log"))) {
-        std::size_t const id = line.find(">[YON] ");
-        ASSERT_NE(id, line.npos);
-        texts += line.substr(id + 7) + '\n';
-    }
+    for (std::string const & line : linesOf(file("yon.log"))) texts += line.substr(line.find(">[YON] ") + 7) + '\n';
     EXPECT_EQ(texts,
               first + first + rule + "\nlog file " + file("a.log") + " changed to " + file("b.log") + '\n' + end);
     yon.filename("");
@@ -305,32 +263,24 @@ public:
 
     template <class WriteLine, class Meanwhile>
     Writers(int lines, WriteLine writeLine, Meanwhile meanwhile) : lines_(lines) {
-        std::vector<std::thread> running;
         std::atomic<int> left{threads};
-        for (int t = 0; t < threads; ++t) {
-            running.emplace_back([&, t] {
-                for (int i = 0; i < lines_; ++i) writeLine(std::to_string(t) + ' ' + std::to_string(i) + padding);
-                --left;
-            });
-        }
+        yon::InThreads const running(threads, [&](int t) {
+            std::string const text = "enough in front that the file has to be moved to its backup once; thread " +
+                                     std::to_string(t) + " line ";
+            for (int i = 0; i < lines_; ++i) writeLine(text + std::to_string(i));
+            --left;
+        });
         while (left != 0) meanwhile();
-        for (std::thread & thread : running) thread.join();
     }
     void expect(std::string const & name) const {
         std::vector<std::string> lines = linesOf(name + ".bak");
         for (std::string const & line : linesOf(name)) lines.push_back(line);
-        std::vector<int> next(threads);
-        for (std::string const & line : lines) {
-            std::size_t const thread = static_cast<std::size_t>(std::atoi(line.c_str()));
-            ASSERT_LT(thread, next.size());
-            ASSERT_EQ(line, std::to_string(thread) + ' ' + std::to_string(next[thread]++) + padding);
-        }
-        EXPECT_EQ(next, std::vector<int>(threads, lines_));
+        auto const counts = countsOf(lines);
+        EXPECT_EQ(counts.size(), std::size_t{threads});
+        for (auto const & [text, count] : counts) EXPECT_EQ(count, lines_) << text;
     }
 
 private:
-    static constexpr char const * padding =
-        " with enough behind it that the file has to be moved to its backup once .";
     int lines_;
 };
 

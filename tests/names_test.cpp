@@ -1,27 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <sstream>
-
-#include "yon/log/dumper.h"
-#include "yon/string/filename.h"
-#include "yon/string/funcname.h"
-#include "yon/string/multi_string.h"
+#include "yon/yon.h"
 
 namespace yon {
 namespace {
 
 using namespace std::string_literals;
 using Items = std::list<String>;
-
-template <class T>
-std::string dumped(T const & value) {
-    std::ostringstream os;
-    value.dump(os);
-    dumper d;
-    d << value;
-    EXPECT_EQ(d.str(), os.str());
-    return os.str();
-}
 
 TEST(Filename, SplitsAtTheLastBackslash) {
     auto parts = [](istr full) {
@@ -36,10 +21,9 @@ TEST(Filename, SplitsAtTheLastBackslash) {
     EXPECT_EQ(f.full(), "f");
     EXPECT_EQ(f.dir("d").full(), "d\\f");
     EXPECT_EQ(f.file("g").full(), "d\\g");
-    EXPECT_EQ(f.full("x\\y").dir(), "x");
+    f.full("x\\y");
     EXPECT_EQ(f.full(istr(f.full()).rightstr(1)).file(), "y") << "a part of itself";
     EXPECT_EQ(f.dir(f.full()).full(), "y\\y");
-    EXPECT_EQ(dumped(f), "@yon::Filename {\n    full_ = \"y\\y\"\n    dir_ = \"y\"\n    file_ = \"y\"\n}");
 }
 
 TEST(Funcname, SplitsAtTheLastScope) {
@@ -55,7 +39,6 @@ TEST(Funcname, SplitsAtTheLastScope) {
     EXPECT_EQ(f.ns("foo").full(), "foo::bar");
     EXPECT_EQ(f.func("baz").full(), "foo::baz");
     EXPECT_EQ(f.full(f.ns()).func(), "foo");
-    EXPECT_EQ(dumped(f), "@yon::Funcname {\n    full_ = \"foo\"\n    ns_ = \n    func_ = \"foo\"\n}");
 }
 
 TEST(MultiString, SplitsAndJoins) {
@@ -66,12 +49,10 @@ TEST(MultiString, SplitsAndJoins) {
     };
     check("a,,b,", ",", {"a", "", "b", ""});
     check(",", ",", {"", ""});
-    check("ab", ",", {"ab"});
     check("", ",", {});
     check("a::b:c", "::", {"a", "b:c"});
     check("aaa", "aa", {"", "a"});
     check("ab", "", {"a", "b", istr("\0", 1)});
-    check("", nullptr, {});
     check("a", "abc", {"a"});
     check(istr("a\0b", 3), istr("\0", 1), {"a", "b"});
     MultiString m("a,b", ",");
@@ -80,14 +61,12 @@ TEST(MultiString, SplitsAndJoins) {
     EXPECT_EQ(m.list().size(), 3u);
     EXPECT_EQ(m.split().list().size(), 4u);
     EXPECT_EQ(m.add(m.full()).full(), "a;b;c;d;a;b;c;d") << "a part of itself";
-    EXPECT_EQ(m.list({"x", "y"}).full(), "x;y");
-    EXPECT_EQ(m.list(m.list()).full(), "x;y");
+    EXPECT_EQ(m.list({"x", "y"}).list(m.list()).full(), "x;y");
     EXPECT_EQ(m.full("z").list(), Items{"z"});
-    EXPECT_EQ(dumped(m),
-              "@yon::MultiString {\n    full_ = \"z\"\n    list_ = @yon::list {\n        \"z\"\n    }\n"
-              "    sep_ = \";\"\n}");
-    EXPECT_TRUE(m.clear().list().empty() && m.full().empty() && m.separator() == ";");
-    EXPECT_EQ(m.add("q").full(), "q");
+    dumper d(true);
+    d << m << Filename("y\\z") << Funcname("y::z");
+    EXPECT_EQ(d.str(), "{\"z\", {\"z\"}, \";\"}{\"y\\z\", \"y\", \"z\"}{\"y::z\", \"y\", \"z\"}");
+    EXPECT_EQ(m.clear().add("q").full(), "q");
 }
 
 }  // namespace

@@ -2,18 +2,10 @@
 
 #include <atomic>
 #include <set>
-#include <sstream>
-#include <thread>
-#include <vector>
 
-#include "yon/base/leak_checker.h"
-#include "yon/base/located_new.h"
-#include "yon/mt/handle.h"
-#include "yon/mt/handle_wrapper.h"
-#include "yon/mt/map.h"
-#include "yon/mt/set.h"
-#include "yon/mt/thread_id.h"
-#include "yon/util/singleton_T.h"
+#include "raise_testing.h"
+#include "thread_testing.h"
+#include "yon/yon.h"
 
 namespace yon {
 
@@ -73,35 +65,24 @@ TYPED_TEST(Ownership, FollowsTheHandles) {
 
 TEST(OwnershipStress, HandlesAreCopiedAcrossThreads) {
     Handle<Counted<Shared>> const shared(new Counted<Shared>);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([mine = shared] {
-            for (int n = 0; n < 20000; ++n) {
-                Handle<Counted<Shared>> copy(mine), other(copy);
-                other = std::move(copy);
-            }
-        });
-    }
-    for (auto & t : threads) t.join();
-    threads.clear();
+    InThreads(4, [mine = shared](int) {
+        for (int n = 0; n < 20000; ++n) {
+            Handle<Counted<Shared>> copy(mine), other(copy);
+            other = std::move(copy);
+        }
+    });
     EXPECT_EQ(shared->__getRef(), 1);
 }
 
 template <class T>
-void expectNull(char const * function) {
-    try {
-        (void)Handle<T>()->__getRef();
-        ADD_FAILURE() << function;
-    } catch (NullHandleException const & e) {
-        EXPECT_STREQ(e.file(), "include/yon/mt/handle");
-        EXPECT_EQ(e.line(), 38u);
-        EXPECT_STREQ(e.func(), function);
-    }
+std::string nullHandle() {
+    return raisedAt<NullHandleException>([] { return Handle<T>()->__getRef(); });
 }
 
 TEST(Handle, TellsWhichOneIsEmpty) {
-    expectNull<HandleWrapper>("yon::HandleBase<struct yon::HandleWrapper>::operator`->'");
-    expectNull<TimeoutThread>("yon::HandleBase<class yon::TimeoutThread>::operator`->'");
+    std::string const place = "include/yon/mt/handle:38 yon::HandleBase<";
+    EXPECT_EQ(nullHandle<HandleWrapper>(), place + "struct yon::HandleWrapper>::operator`->'");
+    EXPECT_EQ(nullHandle<TimeoutThread>(), place + "class yon::TimeoutThread>::operator`->'");
     EXPECT_THROW(*Handle<TimeoutThread>(), NullHandleException);
     HandleWrapper(this, false);  // an address that nobody may close
 }
@@ -120,11 +101,9 @@ TEST(Singleton, IsMadeOnceHoweverManyCome) {
     MemLeakChecker::enable(true);
     std::size_t const registered = MemLeakChecker::count();
     for (int round = 2; round < 50; ++round) {
-        std::vector<Single *> seen(4);
-        std::vector<std::thread> threads;
-        for (auto & s : seen) threads.emplace_back([&] { s = instance(); });
-        for (auto & t : threads) t.join();
-        EXPECT_EQ(std::set(seen.begin(), seen.end()).size(), 1u);
+        std::atomic<Single *> seen[4];
+        InThreads(4, [&](int i) { seen[i] = instance(); });
+        EXPECT_EQ(std::set<Single *>(std::begin(seen), std::end(seen)).size(), 1u);
         EXPECT_EQ(Single::made, round);
         EXPECT_EQ(MemLeakChecker::count(), registered + 1);
         Singleton_T<Single>::destroy();
@@ -132,19 +111,6 @@ TEST(Singleton, IsMadeOnceHoweverManyCome) {
         EXPECT_EQ(MemLeakChecker::count(), registered);
     }
     MemLeakChecker::enable(false);
-}
-
-TEST(LockableContainers, DumpUnderTheirOwnNames) {
-    mt::map<ThreadId, String> map;
-    mt::set<int> const set{2, 1};
-    Lock const lock(map), again(map);
-    map[42] = "x";
-    dumper d(true), lines;
-    d << map << set;
-    lines << map << set;
-    EXPECT_EQ(d.str(), "{42 : \"x\"}{1, 2}");
-    EXPECT_EQ(lines.str(), "@yon::mt::map {\n    42 : \"x\"\n}@yon::mt::set {\n    1\n    2\n}");
-    EXPECT_NE(ThreadId::current(), 0u);
 }
 
 }  // namespace

@@ -5,9 +5,9 @@
 #include <atomic>
 #include <cstdlib>
 #include <new>
-#include <thread>
 
 #include "pml_testing.h"
+#include "thread_testing.h"
 #include "yon/pml/pml_writer.h"
 
 namespace {
@@ -27,7 +27,8 @@ std::atomic<std::size_t> chunks{0};
 namespace yon::pml {
 namespace {
 
-constexpr std::size_t million = 1000000;
+/// Deep enough for every stack, long enough for what is quadratic to be noticed.
+constexpr std::size_t many = 250000;
 
 std::string repeated(std::string const & text, std::size_t n) {
     std::string out;
@@ -72,11 +73,11 @@ void checkDeep(std::string const & text) {
     unit.setValue("shallow again");
 }
 
-TEST(PmlHostile, MillionDeep) {
-    std::string const ends(million, ')');
+TEST(PmlHostile, ManyDeep) {
+    std::string const ends(many, ')');
     for (std::string const & text :
-         {repeated("a(", million) + "1" + ends, repeated("(", million) + ends, repeated("a:t(b()", million) + ends,
-          repeated("a(", million) + "b()c()" + ends}) {
+         {repeated("a(", many) + "1" + ends, repeated("(", many) + ends, repeated("a:t(b()", many) + ends,
+          repeated("a(", many) + "b()c()" + ends}) {
         std::thread([&text] { checkDeep(text); }).join();
     }
     // The layouts that indent, as deep as their output allows.
@@ -88,33 +89,36 @@ TEST(PmlHostile, MillionDeep) {
                 sameTree(unit, again));
 }
 
-TEST(PmlHostile, MillionOfEverything) {
-    std::string blanks(million, ' ');
-    struct Row {
-        std::string text;
-        bool whole;  ///< printed compactly it is the same text
-    };
-    for (Row const & row :
-         {Row{"l(" + repeated("(1)", million) + ")", true}, Row{"l(" + repeated(":t(x)", million) + ")", true},
-          Row{"l(" + repeated("(* ", million), false}, Row{"l" + repeated("(* *)", million) + "(1)", false},
-          Row{repeated("a (* c *) ", million) + "(1)", false},
-          Row{"l(" + repeated("'a' \"b\" ", million) + ")", false},
-          Row{"l(" + repeated("'a'b", million) + ")", false}, Row{"l(" + repeated("\\'\\", million), false},
-          Row{"l(" + repeated("x" + std::string(50, ' '), 20000) + ")", false}, Row{"l(" + blanks + ")", false},
-          Row{"l(" + blanks + "x" + blanks + ")", false}, Row{"l('" + repeated("\\'", million) + "')", true},
-          Row{"l:" + repeated("t", million) + "(" + repeated("v", million) + ")", true},
-          Row{repeated("\n", million) + "l(1)", false}}) {
-        for (Outcome const & o : parseFromAll(row.text)) {
-            String out;
-            EXPECT_TRUE(ntvToCompactPml(*o.unit, out));
-            EXPECT_TRUE(!row.whole || out == row.text) << o.source << ": " << row.text.substr(0, 20);
+TEST(PmlHostile, ManyOfEverything) {
+    std::string const blanks(many, ' ');
+    // Printed compactly, the first ones are the same text.
+    std::string const wholes[] = {"l(" + repeated("(1)", many) + ")", "l(" + repeated(":t(x)", many) + ")",
+                                  "l('" + repeated("\\'", many) + "')",
+                                  "l:" + repeated("t", many) + "(" + repeated("v", many) + ")"};
+    std::string const others[] = {"l(" + repeated("(* ", many),
+                                  "l" + repeated("(* *)", many) + "(1)",
+                                  repeated("a (* c *) ", many) + "(1)",
+                                  "l(" + repeated("'a' \"b\" ", many) + ")",
+                                  "l(" + repeated("'a'b", many) + ")",
+                                  "l(" + repeated("\\'\\", many),
+                                  "l(" + repeated("x" + std::string(50, ' '), 20000) + ")",
+                                  "l(" + blanks + ")",
+                                  "l(" + blanks + "x" + blanks + ")",
+                                  repeated("\n", many) + "l(1)"};
+    String out;
+    for (std::string const & text : wholes) {
+        for (Outcome const & o : parseFromAll(text)) {
+            EXPECT_TRUE(ntvToCompactPml(*o.unit, out) && out == text) << o.source << ": " << text.substr(0, 20);
         }
     }
-    std::string const late = repeated("\n", million) + "a(" + repeated("(1)", million) + "b:c)";
-    EXPECT_EQ(parseFromAll(late).front().error, "not found value begin tag, token at line 1000001, column 3000005");
+    for (std::string const & text : others) {
+        for (Outcome const & o : parseFromAll(text)) EXPECT_TRUE(ntvToCompactPml(*o.unit, out));
+    }
+    std::string const late = repeated("\n", many) + "a(" + repeated("(1)", many) + "b:c)";
+    EXPECT_EQ(parseFromAll(late).front().error, "not found value begin tag, token at line 250001, column 750005");
     // As many types as nodes.
     std::string types = "l(";
-    for (std::size_t i = 0; i < million / 5; ++i) types += ":t" + number(i) + "()";
+    for (std::size_t i = 0; i < many; ++i) types += ":t" + number(i) + "()";
     Unit unit;
     ASSERT_TRUE(ntvFromPml(unit, istr(types)) && unit.at(77777)->type() == "t77777");
 }
@@ -145,16 +149,15 @@ void checkNames(std::vector<std::string> const & names) {
 }
 
 TEST(PmlHostile, LongListsOfNames) {
-    std::vector<std::string> names;
-    for (std::size_t i = 0; i < 200000; ++i) names.push_back("n" + number(i));
-    checkNames(names);
+    auto const check = [](std::size_t count, auto name) {
+        std::vector<std::string> names;
+        for (std::size_t i = 0; i < count; ++i) names.push_back(name(i));
+        checkNames(names);
+    };
+    check(200000, [](std::size_t i) { return "n" + number(i); });
     // Texts of positions, none of which is taken.
-    names.clear();
-    for (std::size_t i = 0; i < 200000; ++i) names.push_back("[" + number(i) + "]");
-    checkNames(names);
-    names.clear();
-    for (std::size_t i = 0; i < 20000; ++i) names.push_back("[" + repeated("0", i % 50) + number(i) + "x");
-    checkNames(names);
+    check(200000, [](std::size_t i) { return "[" + number(i) + "]"; });
+    check(20000, [](std::size_t i) { return "[" + repeated("0", i % 50) + number(i) + "x"; });
     // Unnamed children between named ones that look like them.
     Unit mixed;
     for (std::size_t i = 0; i < 200000; ++i)
@@ -215,16 +218,14 @@ TEST(PmlHostile, TreesThatChangeThreadsLeaveNoMemoryBehind) {
 
     // Four threads build, and destroy what the next one built.
     std::atomic<Unit *> desks[4] = {};
-    auto const work = [&](std::size_t self) {
+    auto const work = [&](int self) {
         for (int i = 0; i < 40; ++i) {
             Tree const taken(desks[(self + 1) % 4].exchange(nullptr));
             Tree const replaced(desks[self].exchange(bushyTree().release()));
         }
     };
     for (int round = 0; round < 5; ++round) {
-        std::vector<std::thread> threads;
-        for (std::size_t i = 0; i < 4; ++i) threads.emplace_back(work, i);
-        for (std::thread & t : threads) t.join();
+        InThreads(4, work);
         if (round == 1) warm = chunks;
     }
     // Twelve trees at most were alive, of some ten chunks each.
@@ -252,22 +253,15 @@ TEST(PmlHostile, ThreadsMayReadOneTree) {
         // Lent to be changed, and not looked at since.
         root["n3"].name();
         Unit const & tree = root;
-        std::vector<std::thread> threads;
-        for (std::size_t t = 0; t < 4; ++t) {
-            threads.emplace_back([&tree, t] {
-                for (std::size_t i = 0; i < 500; ++i) {
-                    std::string const n = number((i * 7 + t * 125) % 500);
-                    Unit const & child = tree[istr("n" + n)];
-                    int value = -1;
-                    EXPECT_TRUE(n == "7" || (child >> value && number(static_cast<std::size_t>(value)) == n));
-                    EXPECT_EQ(tree.find(child.path()), &child);
-                }
-                Unit const copy(tree);
-                EXPECT_TRUE(sameTree(copy, tree));
-                EXPECT_EQ(copy.str(), tree.str());
-            });
-        }
-        for (std::thread & t : threads) t.join();
+        InThreads(4, [&tree](int t) {
+            for (int i = 0; i < 500; ++i) {
+                std::string const n = std::to_string((i * 7 + t * 125) % 500);
+                Unit const & child = tree[istr("n" + n)];
+                EXPECT_TRUE(n == "7" || child.getStringValue() == n);
+                EXPECT_EQ(tree.find(child.path()), &child);
+            }
+            EXPECT_TRUE(sameTree(Unit(tree), tree));
+        });
     }
 }
 

@@ -1,7 +1,6 @@
 // What the tests and the fuzz target of pml share: parsing from every source, and comparing trees of any depth.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -53,40 +52,30 @@ struct Outcome {
 /// Parses `text` as a node, or as a bare value, from a view, a stream, a lexer of ours and, without NULs, a C string.
 inline std::vector<Outcome> parseFromAll(std::string const & text, bool valueOnly = false) {
     std::vector<Outcome> outcomes;
-    auto const parse = [&](char const * source, auto read) {
+    auto const parse = [&](char const * source, auto read, auto place) {
         Outcome o;
         o.source = source;
         try {
             pmlParserBase parser(o.unit.get(), valueOnly ? pmlParserBase::PasingValue : pmlParserBase::PasingName);
-            if (!read(parser, o)) o.error = "false";
+            if (!read(parser)) o.error = "false";
         } catch (std::invalid_argument const & e) {
             o.error = e.what();
         }
+        o.read = place();
         outcomes.push_back(std::move(o));
     };
-    parse("view", [&](pmlParserBase & parser, Outcome &) { return parser.doParser(istr(text)); });
-    // The places are noted after an error, too.
-    struct Note {
-        ~Note() { to = at(); }
-        std::size_t & to;
-        std::function<std::size_t()> at;
+    auto const from = [](auto & source) {
+        return [&source](pmlParserBase & parser) { return parser.doParser(source); };
     };
-    parse("stream", [&](pmlParserBase & parser, Outcome & o) {
-        std::istringstream in(text);
-        Note const note{o.read, [&] { return in.clear(), static_cast<std::size_t>(in.tellg()); }};
-        return parser.doParser(in);
-    });
-    parse("lexer", [&](pmlParserBase & parser, Outcome & o) {
-        MemoryLexer lexer(text);
-        Note const note{o.read, [&] { return lexer.at(); }};
-        return parser.doParser(lexer);
-    });
+    istr const view(text);
+    std::istringstream in(text);
+    MemoryLexer lexer(text);
+    char const * p = text.c_str();
+    parse("view", from(view), [] { return std::string::npos; });
+    parse("stream", from(in), [&] { return in.clear(), static_cast<std::size_t>(in.tellg()); });
+    parse("lexer", from(lexer), [&] { return lexer.at(); });
     if (text.find('\0') != std::string::npos) return outcomes;
-    parse("C string", [&](pmlParserBase & parser, Outcome & o) {
-        char const * p = text.c_str();
-        Note const note{o.read, [&] { return static_cast<std::size_t>(p - text.c_str()); }};
-        return parser.doParser(p);
-    });
+    parse("C string", from(p), [&] { return static_cast<std::size_t>(p - text.c_str()); });
     return outcomes;
 }
 

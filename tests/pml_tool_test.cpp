@@ -1,16 +1,14 @@
 // The command-line tool pml: its parts, its commands, and the program itself.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <random>
-#include <sstream>
 
 #include "commands.h"
 #include "examine.h"
+#include "file_testing.h"
 #include "number_rules.h"
 #include "replace_file.h"
+#include "tool_testing.h"
 #include "walk.h"
 #include "yon/pml/pml_writer.h"
 
@@ -19,52 +17,16 @@ namespace {
 namespace fs = std::filesystem;
 using pmltool::Token;
 using yon::pml::Unit;
-using Words = std::vector<std::string>;
-
-std::string readFile(fs::path const & file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-void writeFile(fs::path const & file, std::string const & text) { std::ofstream(file, std::ios::binary) << text; }
-
-struct Result {
-    int status;
-    std::string out;
-    std::string err;
-};
 
 /// Runs the tool within this program.
 Result pml(Words const & arguments, std::string const & input = "") {
-    std::istringstream in(input);
-    std::ostringstream out, err;
-    pmltool::Console console{in, out, err};
-    int const status = pmltool::run(arguments, console);
-    return {status, out.str(), err.str()};
+    return runTool(&pmltool::run, arguments, input);
 }
 
-/// The tests run in an empty directory of their own.
 class PmlTool : public testing::Test {
 protected:
-    void SetUp() override {
-        fs::remove_all(directory());
-        fs::create_directory(directory());
-        fs::current_path(directory());
-    }
-    void TearDown() override {
-        fs::current_path(home());
-        std::error_code ignored;
-        fs::remove_all(directory(), ignored);
-    }
-    static fs::path const & home() {
-        static fs::path const path = fs::current_path();
-        return path;
-    }
-    static fs::path directory() { return home() / "pml_tool_test.dir"; }
-
-    static std::size_t filesHere() {
-        return static_cast<std::size_t>(std::distance(fs::directory_iterator("."), fs::directory_iterator()));
-    }
+    WorkingDirectory const directory_{"pml-tool"};
+    static auto filesHere() { return std::distance(fs::directory_iterator("."), fs::directory_iterator()); }
 };
 
 std::string const exampleFile = std::string(YON_SOURCE_DIR) + "/examples/config/p2p_config.pml";
@@ -77,11 +39,7 @@ Words const awkwardTexts = {"",    "x",   " ",   " x ",      "it's",     "\"", "
 
 TEST_F(PmlTool, CheckReportsEachFindingAtItsPlace) {
     std::string const dup = ": error: duplicated unit: ";
-    struct {
-        std::string input;
-        std::string findings;
-    } const rows[] = {
-        {"a(1)", ""},
+    std::pair<std::string, std::string> const rows[] = {
         {"\xEF\xBB\xBF(* one *) a(x(1) y:t(2) (3) z) (* two *)\r\n", ""},
         {"", "1:1: warning: there is no node\n"},
         {"a", "1:1: error: the input ends behind this name\n"},
@@ -90,14 +48,11 @@ TEST_F(PmlTool, CheckReportsEachFindingAtItsPlace) {
         {"a(b(1)'x\n", "1:7: error: this quote is never closed\n"},
         {"a:int", "1:3: error: get type token\n"},
         {"a:int)", "1:3: error: not found value begin tag, token\n"},
-        {"r(a(1) b:int 2) c(3))", "1:10: error: not found value begin tag, token\n"},
         {"r(url(http://h:80/x) t(12:30) c(3))",
          "1:12: error: not found value begin tag, token; text with a \":\" needs quotes\n"
          "1:27: error: not found value begin tag, token; text with a \":\" needs quotes\n"},
         {"a(1) (**) b(2)", "1:11: error: text behind the end of the node is not read\n"},
-        {"a(1))", "1:5: error: text behind the end of the node is not read\n"},
         {" )", "1:2: error: \")\" without a \"(\"\n"},
-        {"a)", "1:2: error: \")\" without a \"(\"\n"},
         {"r(x(a(1) b) y(2))",
          "1:10: error: this name has no value: the \")\" behind it closes two lists\n"
          "1:13: error: text behind the end of the node is not read\n"},
@@ -112,7 +67,6 @@ TEST_F(PmlTool, CheckReportsEachFindingAtItsPlace) {
         {"a('x' y)", "1:7: warning: text outside the quotes: the quotes become a part of it\n"},
         {"a('x' \"y\")", "1:7: warning: the quotes around this piece become a part of the text\n"},
         {"a('x'(**)'y')", "1:10: warning: the quotes around this piece become a part of the text\n"},
-        {"a('x' 'y'(**))", ""},
         {"a( *b(1))",
          "1:4: warning: a name that begins with \"*\" opens a comment when it is written right behind a \"(\"\n"},
         {"a:short('32768')", "1:9: warning: short \"32768\" is out of range: -32768 to 32767\n"},
@@ -120,41 +74,32 @@ TEST_F(PmlTool, CheckReportsEachFindingAtItsPlace) {
          "1:3: warning: a NUL byte: a program that reads the document as a C string ends here\n"},
     };
     for (auto const & [input, findings] : rows) {
-        bool const hasError = findings.find("error") != findings.npos;
         std::string expected;
         std::istringstream lines(findings);
         for (std::string line; std::getline(lines, line);) expected += "<stdin>:" + line + '\n';
         Result const result = pml({"check", "-"}, input);
         EXPECT_EQ(result.err, expected) << input;
-        EXPECT_EQ(result.status, hasError ? 1 : 0) << input;
-        EXPECT_EQ(pml({"check", "--strict", "-"}, input).status, findings.empty() ? 0 : 1) << input;
+        EXPECT_EQ(result.status, findings.find("error") != findings.npos) << input;
+        EXPECT_EQ(pml({"check", "--strict", "-"}, input).status, !findings.empty()) << input;
     }
 }
 
 TEST(PmlToolNumbers, AreComparedWithTheirTypeWords) {
-    std::string const notDecimal = "is no decimal number", notNumber = "is no number";
     struct {
-        char const * type;
-        char const * text;
-        std::string fault;
+        char const *type, *text, *fault;
     } const rows[] = {
         {"", "1.5.8", ""},
-        {"int", " 42 ", ""},
-        {"Int32_t", "-2147483648", ""},
+        {"Int32_t", " -2147483648 ", ""},
         {"long", "-2147483649", "is out of range: -2147483648 to 2147483647"},
-        {"int", "12abc", notDecimal},
-        {"int", "-", notDecimal},
+        {"int", "12abc", "is no decimal number"},
         {"bit", "true", "is no 0 or 1"},
         {"bool", "2", "is out of range: 0 to 1"},
         {"Unsigned Short", "65536", "is out of range: 0 to 65535"},
-        {"ulong", "-1", "is out of range: 0 to 4294967295"},
         {"long long", "-9223372036854775808", ""},
         {"uint64_t", "99999999999999999999999", "is out of range: 0 to 18446744073709551615"},
-        {"float", "0.000123456", ""},
         {"Double", "3.14159265", "has 9 significant digits, of which 6 are kept"},
         {"float", "1e39", "is out of range"},
-        {"double", "1e999", "is out of range"},
-        {"double", "1,5", notNumber},
+        {"double", "1,5", "is no number"},
     };
     for (auto const & [type, text, fault] : rows) {
         EXPECT_EQ(pmltool::numberFault(type, text), fault) << type << ' ' << text;
@@ -201,9 +146,7 @@ TEST(PmlToolWalk, SeesWhatTheParserReadsAndReportsItsErrors) {
             pmltool::print(report, source, all, false);
             std::string expected = error.what();
             expected.insert(expected.find(": "), ": error");
-            EXPECT_NE(all.str().find(expected), std::string::npos) << source.text << '\n'
-                                                                   << error.what() << '\n'
-                                                                   << all.str();
+            EXPECT_NE(all.str().find(expected), std::string::npos) << source.text << '\n' << expected;
             continue;
         }
         Outline seen;
@@ -231,105 +174,71 @@ TEST_F(PmlTool, CommandsPrintWhatIsAskedFor) {
     writeFile("a.pml", "r(n:int(5) t('it\\'s\n(x)') l(:e(a(1)b(2)) :e()) (' u '))");
     writeFile("b.pml", "r((' u ')t('it\\'s\n(x)') n:int(6) l(:e(a(1)b(3)))z(1))");
     struct {
-        Words arguments;
-        int status;
-        std::string out;
-        std::string err;
+        char const *arguments, *out;
+        char const * err = "";
+        int status = 0;
     } const rows[] = {
-        {{"get", "a.pml", "/n"}, 0, "5\n", ""},
-        {{"get", "a.pml", "t"}, 0, "it's\n(x)\n", ""},
-        {{"get", "a.pml", "l[0]/b"}, 0, "2\n", ""},
-        {{"get", "a.pml", "/l/[1]"}, 0, "\n", ""},
-        {{"get", "a.pml", "[3]"}, 0, " u \n", ""},
-        {{"get", "a.pml", "/l"}, 0, "l(\n    :e(\n        a(1)\n        b(2)\n    )\n    :e()\n)\n", ""},
-        {{"get", "a.pml", "/l[2]"}, 1, "", "a.pml: /l[2]: no such node\n"},
-        {{"ls", "a.pml"},
-         0,
-         "/              (4 children)\n"
-         "/n        int  5\n"
-         "/t             'it\\'s\\n(x)'\n"
-         "/l             (2 children)\n"
-         "/l/[0]    e    (2 children)\n"
-         "/l/[0]/a       1\n"
-         "/l/[0]/b       2\n"
-         "/l/[1]    e\n"
-         "/[3]            u\n",
-         ""},
-        {{"ls", "a.pml", "/l/[0]/a"}, 0, "/l/[0]/a  1\n", ""},
-        {{"diff", "a.pml", "b.pml"},
-         1,
-         "- /[3]  u \n"
-         "+ /[0]  u \n"
-         "+ /z 1\n"
-         "- /n:int 5\n"
-         "+ /n:int 6\n"
-         "- /l/[1]:e \n"
-         "- /l/[0]/b 2\n"
-         "+ /l/[0]/b 3\n",
-         ""},
-        {{"diff", "a.pml", "a.pml"}, 0, "", ""},
-        {{"fmt", "--mode", "compact", "a.pml"}, 0, "r(n:int(5)t('it\\'s\n(x)')l(:e(a(1)b(2)):e())(' u '))\n", ""},
-        {{"fmt", "--mode", "mixed", "a.pml"},
-         0,
-         "r(n:int(5)t('it\\'s\n(x)')l(\n        :e(    a(1)    b(2))\n        :e()\n)(' u '))\n",
-         ""},
-        {{"check", "a.pml", "none.pml", "b.pml"},
-         1,
-         "",
+        {"get a.pml /n", "5\n"},
+        {"get a.pml t", "it's\n(x)\n"},
+        {"get a.pml l[0]/b", "2\n"},
+        {"get a.pml /l/[1]", "\n"},
+        {"get a.pml [3]", " u \n"},
+        {"get a.pml /l", "l(\n    :e(\n        a(1)\n        b(2)\n    )\n    :e()\n)\n"},
+        {"get a.pml /l[2]", "", "a.pml: /l[2]: no such node\n", 1},
+        {"ls a.pml",
+         "/              (4 children)\n/n        int  5\n/t             'it\\'s\\n(x)'\n/l             (2 children)\n"
+         "/l/[0]    e    (2 children)\n/l/[0]/a       1\n/l/[0]/b       2\n/l/[1]    e\n/[3]            u\n"},
+        {"ls a.pml /l/[0]/a", "/l/[0]/a  1\n"},
+        {"diff a.pml b.pml",
+         "- /[3]  u \n+ /[0]  u \n+ /z 1\n- /n:int 5\n+ /n:int 6\n- /l/[1]:e \n- /l/[0]/b 2\n+ /l/[0]/b 3\n", "", 1},
+        {"diff a.pml a.pml", ""},
+        {"fmt --mode compact a.pml", "r(n:int(5)t('it\\'s\n(x)')l(:e(a(1)b(2)):e())(' u '))\n"},
+        {"fmt --mode mixed a.pml",
+         "r(n:int(5)t('it\\'s\n(x)')l(\n        :e(    a(1)    b(2))\n        :e()\n)(' u '))\n"},
+        {"check a.pml none.pml b.pml", "",
          "a.pml:2:29: warning: this text begins or ends with a blank, and keeps it only in quotes\n"
          "none.pml: No such file or directory\n"
-         "b.pml:1:4: warning: this text begins or ends with a blank, and keeps it only in quotes\n"},
-        {{"check", "[none]"}, 1, "", "./[none]: No such file or directory\n"},
+         "b.pml:1:4: warning: this text begins or ends with a blank, and keeps it only in quotes\n",
+         1},
+        {"check [none]", "", "./[none]: No such file or directory\n", 1},
     };
     for (auto const & row : rows) {
-        Result const result = pml(row.arguments);
-        std::string const shown = testing::PrintToString(row.arguments);
-        EXPECT_EQ(result.out, row.out) << shown;
-        EXPECT_EQ(result.err, row.err) << shown;
-        EXPECT_EQ(result.status, row.status) << shown;
+        SCOPED_TRACE(row.arguments);
+        Result const result = pml(wordsOf(row.arguments));
+        EXPECT_EQ(result.out, row.out);
+        EXPECT_EQ(result.err, row.err);
+        EXPECT_EQ(result.status, row.status);
     }
-    for (Words const & arguments : {Words{},
-                                    {"bogus"},
-                                    {"get", "a.pml"},
-                                    {"get", "a.pml", "/n", "x"},
-                                    {"fmt", "--bogus", "a.pml"},
-                                    {"fmt", "--mode", "bogus", "a.pml"},
-                                    {"fmt", "--in-place", "-"},
-                                    {"diff", "-", "-"}}) {
-        Result const result = pml(arguments);
-        EXPECT_EQ(result.status, 2) << testing::PrintToString(arguments);
-        EXPECT_NE(result.err.find("Usage: pml"), std::string::npos) << testing::PrintToString(arguments);
-        EXPECT_EQ(result.out, "");
+    for (char const * wrong : {"", "bogus", "get a.pml", "get a.pml /n x", "fmt --bogus a.pml",
+                               "fmt --mode bogus a.pml", "fmt --in-place -", "diff - -"}) {
+        Result const result = pml(wordsOf(wrong));
+        EXPECT_TRUE(result.status == 2 && result.out.empty()) << wrong;
+        EXPECT_NE(result.err.find("Usage: pml"), std::string::npos) << wrong;
     }
-    for (char const * command : {"fmt", "check", "get", "set", "ls", "diff"}) {
+    for (std::string const command : {"fmt", "check", "get", "set", "ls", "diff"}) {
         Result const result = pml({command, "--help"});
-        EXPECT_EQ(result.status, 0);
-        EXPECT_NE(result.out.find(std::string("Usage: pml ") + command), std::string::npos);
+        EXPECT_TRUE(result.status == 0 && result.out.find("Usage: pml " + command) != std::string::npos);
     }
 }
 
 TEST_F(PmlTool, FormatLosesNothingUnasked) {
     struct {
-        char const * input;
-        Words options;
+        char const *input, *options;
         std::string error;
     } const rows[] = {
-        {"a(1)(* c *)", {}, "f:1:5: comments would be lost; --drop-comments allows it\n"},
-        {"a(1)(* c *)", {"--drop-comments"}, ""},
-        {"a(1) b", {}, "f:1:6: error: text behind the end of the node is not read\n"},
-        {"a(b(1)", {}, "f:1:2: error: this list is never closed\n"},
-        {"a(x(1)x(2))", {}, "f:1:7: duplicated unit\n"},
-        {"r(l('a\\'b'(1)))", {"--drop-comments"}, "f: /l would read back differently; see pml check\n"},
-        {"r( *l(1))", {"--mode", "compact"}, "f: / would read back differently; see pml check\n"},
+        {"a(1)(* c *)", "", "f:1:5: comments would be lost; --drop-comments allows it\n"},
+        {"a(1)(* c *)", "--drop-comments", ""},
+        {"a(1) b", "", "f:1:6: error: text behind the end of the node is not read\n"},
+        {"a(x(1)x(2))", "", "f:1:7: duplicated unit\n"},
+        {"r(l('a\\'b'(1)))", "--drop-comments", "f: /l would read back differently; see pml check\n"},
+        {"r( *l(1))", "--mode compact", "f: / would read back differently; see pml check\n"},
     };
     for (auto const & [input, options, error] : rows) {
         writeFile("f", input);
-        Words arguments{"fmt", "--in-place", "f"};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        Result const result = pml(arguments);
+        Result const result = pml(wordsOf(std::string("fmt --in-place f ") + options));
         EXPECT_EQ(result.err, error) << input;
         EXPECT_EQ(result.status, error.empty() ? 0 : 1) << input;
-        EXPECT_EQ(readFile("f"), error.empty() ? "a(1)\n" : input) << input;
+        EXPECT_EQ(contentOf("f"), error.empty() ? "a(1)\n" : input) << input;
     }
     for (char const * layout : layouts) {
         Result const once = pml({"fmt", "--mode", layout, exampleFile});
@@ -345,37 +254,34 @@ TEST_F(PmlTool, SetChangesOneNodeAndNothingElse) {
     std::string const document =
         "\xEF\xBB\xBF(* 1 *) r:t ( (* 2 *)\r\n\ta( x (* 3 *) )\r\n\tl(1(2) (* 4 *)) b() m(x(**)y)\r\n)(* 5 *) ";
     struct {
-        char const * path;
-        char const * value;
-        Words options;
+        char const *path, *value, *option;
         std::string before;
         std::string after;  ///< or the error
     } const rows[] = {
-        {"/a", "it's", {}, "a( x ", "a( 'it\\'s' "},
-        {"a", "", {}, "a( x ", "a(  "},
-        {"b", " ", {}, "b()", "b(' ')"},
-        {"l/n", "3", {}, "(* 4 *)", "(* 4 *)n(3)"},
-        {"b/n/o", "3", {}, "b()", "b(n(o(3)))"},
-        {"n", "3", {}, "m(x(**)y)", "m(x(**)y) n(3)"},
-        {"l", "-5", {"--force"}, "l(1(2) (* 4 *))", "l(-5)"},
-        {"l", "5", {}, "", "f: l: holds a list; --force puts a text in its place\n"},
-        {"m", "5", {}, "", "f: m: comments stand inside the text\n"},
-        {"a/n", "5", {}, "", "f: a/n: \"a\" holds a text and can have no nodes\n"},
-        {"l[1]", "5", {}, "", "f: l[1]: no such node\n"},
-        {"n", "5", {"--existing"}, "", "f: n: no such node\n"},
-        {"n:o", "5", {}, "", "f: n:o: cannot be set without changing other nodes; see pml check\n"},
+        {"/a", "it's", "", "a( x ", "a( 'it\\'s' "},
+        {"a", "", "", "a( x ", "a(  "},
+        {"b", " ", "", "b()", "b(' ')"},
+        {"l/n", "3", "", "(* 4 *)", "(* 4 *)n(3)"},
+        {"b/n/o", "3", "", "b()", "b(n(o(3)))"},
+        {"n", "3", "", "m(x(**)y)", "m(x(**)y) n(3)"},
+        {"l", "-5", "--force", "l(1(2) (* 4 *))", "l(-5)"},
+        {"l", "5", "", "", "f: l: holds a list; --force puts a text in its place\n"},
+        {"m", "5", "", "", "f: m: comments stand inside the text\n"},
+        {"a/n", "5", "", "", "f: a/n: \"a\" holds a text and can have no nodes\n"},
+        {"l[1]", "5", "", "", "f: l[1]: no such node\n"},
+        {"n", "5", "--existing", "", "f: n: no such node\n"},
+        {"n:o", "5", "", "", "f: n:o: cannot be set without changing other nodes; see pml check\n"},
     };
     for (auto const & row : rows) {
         writeFile("f", document);
         Words arguments{"set", "f", row.path, row.value};
-        arguments.insert(arguments.end(), row.options.begin(), row.options.end());
+        if (*row.option != '\0') arguments.push_back(row.option);
         Result const result = pml(arguments);
         std::string expected = document;
         if (!row.before.empty()) expected.replace(document.find(row.before), row.before.size(), row.after);
-        EXPECT_EQ(readFile("f"), expected) << row.path;
+        EXPECT_EQ(contentOf("f"), expected) << row.path;
         EXPECT_EQ(result.err, row.before.empty() ? row.after : "") << row.path;
-        EXPECT_EQ(result.status, row.before.empty() ? 1 : 0) << row.path;
-        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.status, row.before.empty()) << row.path;
     }
     for (std::string const & text : awkwardTexts) {
         std::string edited = pml({"set", "-", "/a/b", "--", text}, "r(x(1) (* c *)\n y(2))").out;
@@ -397,7 +303,7 @@ TEST_F(PmlTool, FilesAreReplacedInOneStep) {
     fs::create_symlink("f", "link", linked);  // which not every system can
     std::size_t const files = filesHere();
     EXPECT_EQ(pml({"set", linked ? "f" : "link", "/", "2"}).err, "");
-    EXPECT_EQ(readFile("f"), "a(2)");
+    EXPECT_EQ(contentOf("f"), "a(2)");
     EXPECT_EQ(fs::status("f").permissions(), permissions);
     EXPECT_TRUE(linked || fs::is_symlink("link"));
     EXPECT_EQ(filesHere(), files);
@@ -411,9 +317,9 @@ TEST_F(PmlTool, FilesAreReplacedInOneStep) {
     EXPECT_EQ(pml({"set", "f", "/", "3"}).err, "f: File exists\n");
     fs::remove("f.new7");
     EXPECT_EQ(pml({"set", "f", "/", "3"}).err, "");
-    EXPECT_EQ(readFile("f"), "a(3)");
+    EXPECT_EQ(contentOf("f"), "a(3)");
     EXPECT_FALSE(fs::exists("f.new7"));
-    EXPECT_EQ(readFile("f.new8"), "old");
+    EXPECT_EQ(contentOf("f.new8"), "old");
 }
 
 TEST_F(PmlTool, DepthAndWidthAreLimitedByMemoryOnly) {
@@ -441,15 +347,13 @@ TEST_F(PmlTool, DepthAndWidthAreLimitedByMemoryOnly) {
 }
 
 TEST_F(PmlTool, RunsAsAProgram) {
-    // The path has no blanks, so that no shell needs quotes.
-    std::string const program = fs::relative(fs::absolute(YON_PML_PROGRAM)).make_preferred().string();
+    std::string const program = programPath(YON_PML_PROGRAM);
     writeFile("f", "a(x(1)\r\n y('2\r\n'))\r\n");
     writeFile("bad", "a(x:1)");
     struct {
         char const * arguments;
         int status;
-        std::string out;
-        std::string err;
+        std::string out, err;
     } const rows[] = {
         {"--version", 0, "pml 1.5.8\n", ""},
         {"fmt --mode simple - < f", 0, "a(\n    x(1)\n    y('2\r\n')\n)\n", ""},
@@ -461,13 +365,11 @@ TEST_F(PmlTool, RunsAsAProgram) {
         {"ls", 2, "", pml({"ls"}).err},
     };
     for (auto const & row : rows) {
-        int const status = std::system((program + ' ' + row.arguments + " > out 2> err").c_str());
-        // Either the status itself, or as the system's wait delivers it.
-        EXPECT_EQ(status > 255 ? status / 256 : status, row.status) << row.arguments;
-        EXPECT_EQ(readFile("out"), row.out) << row.arguments;
-        EXPECT_EQ(readFile("err"), row.err) << row.arguments;
+        EXPECT_EQ(statusOf(program + ' ' + row.arguments + " > out 2> err"), row.status) << row.arguments;
+        EXPECT_EQ(contentOf("out"), row.out) << row.arguments;
+        EXPECT_EQ(contentOf("err"), row.err) << row.arguments;
     }
-    EXPECT_EQ(readFile("f"), "a(x(5)\r\n y('2\r\n'))\r\n");
+    EXPECT_EQ(contentOf("f"), "a(x(5)\r\n y('2\r\n'))\r\n");
 }
 
 }  // namespace

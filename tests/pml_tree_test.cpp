@@ -4,8 +4,8 @@
 #include <random>
 
 #include "pml_testing.h"
-#include "yon/base/diagnostics.h"
-#include "yon/base/leak_checker.h"
+#include "raise_testing.h"
+#include "record_testing.h"
 #include "yon/pml/pml_writer.h"
 
 namespace yon::pml {
@@ -32,56 +32,7 @@ Unit parsed(char const * text) {
 /// One step that creates nothing.
 Unit const * look(Unit const & unit, char const * step) { return unit.at(istr(step)); }
 
-/// The message of the `std::invalid_argument` that `f` raises.
-template <class F>
-std::string refusal(F f) {
-    try {
-        f();
-    } catch (std::invalid_argument const & e) {
-        return e.what();
-    }
-    return "none";
-}
 char const * const duplicated = "duplicated unit";
-
-/// Keeps the records that the library writes.
-struct Records final : diagnostics::Sink {
-    Records() { diagnostics::install(this); }
-    ~Records() { diagnostics::install(nullptr); }
-    void record(diagnostics::Level level, istr, diagnostics::Location const &, istr message) noexcept override {
-        text += (level == diagnostics::Level::error ? "error: " : "other: ") + std::string(message) + "\n";
-    }
-    void exceptionThrown(diagnostics::Location const &, istr) noexcept override {}
-    bool categoryOn(istr) noexcept override { return false; }
-    void enter(diagnostics::Location const &) noexcept override {}
-    void leave(diagnostics::Location const &) noexcept override {}
-    void callStack(CallStack &) noexcept override {}
-    std::string text;
-};
-
-TEST(PmlTree, Construction) {
-    EXPECT_EQ(earlyPath, "/a/b/.../[]");
-    Unit parent;
-    Unit const units[] = {Unit(),
-                          Unit(nullptr),
-                          Unit(&parent),
-                          Unit("n", &parent),
-                          Unit(new StringValue("v"), &parent),
-                          Unit("n", "t", new ListValue, &parent),
-                          Unit("n", "t", "v", &parent),
-                          Unit("n", "t", istr())};
-    char const * const shapes[] = {"", "", "", "n", "=v", "n:t{}", "n:t=v", "n:t="};
-    for (std::size_t i = 0; i < std::size(units); ++i) {
-        Unit const & u = units[i];
-        EXPECT_EQ(shape(u), shapes[i]);
-        EXPECT_EQ(u.index(), 0u);
-        EXPECT_EQ(u.empty(), *shapes[i] == '\0');
-        EXPECT_EQ(brokenLinks(u), "");
-    }
-    EXPECT_EQ(Unit("n", "t", "v", &parent).parent(), &parent);
-    EXPECT_EQ(&Unit::null(), &Unit::null());
-    EXPECT_TRUE(Unit::null().empty());
-}
 
 TEST(PmlTree, CopiesAreLinkedAndLeaveTheTargetInPlace) {
     Unit root = parsed("r:t(a(x(1)(2))b:u(3)c)");
@@ -92,11 +43,7 @@ TEST(PmlTree, CopiesAreLinkedAndLeaveTheTargetInPlace) {
 
     Unit & b = root["b"];
     b = root["a"];
-    EXPECT_EQ(shape(root), "r:t{a{x=1 =2} a{x=1 =2} c}");
-    EXPECT_EQ(b.parent(), &root);
-    EXPECT_EQ(b.index(), 1u);
-    EXPECT_EQ(b.at(1)->path(), "/a/[1]");
-
+    EXPECT_EQ(shape(root) + b.at(1)->path(), "r:t{a{x=1 =2} a{x=1 =2} c}/a/[1]");
     b.name("b") << root;
     EXPECT_EQ(shape(b), "b:t{a{x=1 =2} b{x=1 =2} c}");
     b = b;
@@ -106,10 +53,7 @@ TEST(PmlTree, CopiesAreLinkedAndLeaveTheTargetInPlace) {
     EXPECT_TRUE(Unit("n", "t", "v") >> *root.at(2));
     EXPECT_EQ(shape(root), "r:t{a{x=1 =2} x=1 c:t=v}");
     root = Unit("e");
-    EXPECT_EQ(shape(root), "e");
     root["k"] << 1;
-    EXPECT_EQ(shape(root), "e{k=1}");
-
     Unit moved = std::move(root);
     EXPECT_EQ(shape(moved) + brokenLinks(moved), "e{k=1}");
     EXPECT_TRUE(root.empty());  // NOLINT(bugprone-use-after-move)
@@ -119,27 +63,17 @@ TEST(PmlTree, CopiesAreLinkedAndLeaveTheTargetInPlace) {
 
 TEST(PmlTree, Values) {
     Unit u("n", "t", "v");
-    StringValue * const text = u.stringValue();
-    u.setValue("w");
-    EXPECT_EQ(u.stringValue(), text);
     u.setValue(istr(u.getStringValue()).removeLeft(1));
     EXPECT_EQ(shape(u), "n:t=");
     EXPECT_TRUE(u.valueEmpty());
-
     u = parsed("n:t(a(deep text, longer than what fits in)b(2))");
-    EXPECT_FALSE(u.valueEmpty());
-    EXPECT_EQ(u.getStringValue(), "");
+    EXPECT_TRUE(!u.valueEmpty() && u.getStringValue().empty());
     u.setValue(u["a"].getStringValue());
     EXPECT_EQ(shape(u), "n:t=deep text, longer than what fits in");
-    EXPECT_EQ(look(u, "a"), nullptr);
-
     u = parsed("n(a(1)b(2))");
     std::unique_ptr<ValueBase> value(u.popValue());
-    ListValue * const list = static_cast<ListValue *>(value.get());
-    EXPECT_EQ(value->owner(), nullptr);
-    EXPECT_EQ(list->at(1)->parent(), nullptr);
-    EXPECT_TRUE(u.valueEmpty() && u.value() == nullptr && u.popValue() == nullptr && look(u, "a") == nullptr);
-    EXPECT_EQ(u.numofChildren(), 0u);
+    EXPECT_TRUE(value->owner() == nullptr && static_cast<ListValue *>(value.get())->at(1)->parent() == nullptr);
+    EXPECT_TRUE(u.value() == nullptr && u.popValue() == nullptr && look(u, "a") == nullptr);
     u["other"];
     delete u.popValue();
     u.value(value.release());
@@ -149,23 +83,15 @@ TEST(PmlTree, Values) {
     u.value()->dump(dump);
     EXPECT_EQ(dump.str(), "a(1)\nb(2)\n");
     std::unique_ptr<ValueBase> const clone(u.value()->clone());
-    EXPECT_FALSE(clone->single());
-    EXPECT_EQ(clone->owner(), nullptr);
-    EXPECT_EQ(static_cast<ListValue *>(clone.get())->at(1)->getStringValue(), "2");
-    std::ostringstream single;
-    EXPECT_TRUE(StringValue("it's").single());
-    StringValue("it's").dump(single);
-    EXPECT_EQ(single.str(), "it's");
-
+    EXPECT_TRUE(!clone->single() && clone->owner() == nullptr && StringValue("it's").single());
+    StringValue("it's").dump(dump);
+    EXPECT_EQ(dump.str(), "a(1)\nb(2)\nit's");
     auto * const twins = new ListValue;
     twins->push_back(new Unit("x"));
     twins->push_back(new Unit("x"));
     Unit holder;
-    EXPECT_EQ(refusal([&] { holder.value(twins); }), duplicated);
-    EXPECT_EQ(refusal([&] { Unit const copy(holder); }), duplicated);
-    twins->clear();
-    EXPECT_TRUE(twins->empty() && twins->begin() == twins->end());
-
+    EXPECT_EQ(raised([&] { holder.value(twins); }), duplicated);
+    EXPECT_EQ(raised([&] { Unit const copy(holder); }), duplicated);
     Unit parent("p");
     u.parent(&parent).index(7).clear();
     EXPECT_TRUE(u.empty() && u.parent() == nullptr && u.index() == 0);
@@ -176,20 +102,15 @@ TEST(PmlTree, AddingChildren) {
     StringValue * const text = u.stringValue();
     EXPECT_TRUE(u.addChild("a", "int", "1"));
     EXPECT_EQ(shape(u), "n:t{=v a:int=1}");
-    EXPECT_EQ(u.at(0)->stringValue(), text);
-    EXPECT_EQ(text->owner(), u.at(0));
-    EXPECT_FALSE(u.addChild(nullptr));
-    EXPECT_FALSE(u.addOrUpdateChild(nullptr));
+    EXPECT_EQ(u.at(0)->stringValue(), text) << "the value moves";
+    EXPECT_FALSE(u.addChild(nullptr) || u.addOrUpdateChild(nullptr));
     EXPECT_TRUE(u.addChild("", "x"));
     EXPECT_TRUE(u.addChild(parsed("b(c(1))")));
     EXPECT_EQ(shape(u) + brokenLinks(u), "n:t{=v a:int=1 =x b{c=1}}");
 
     auto refused = std::make_unique<Unit>("a", "", "again");
-    EXPECT_EQ(refusal([&] { u.addChild(refused.get()); }), duplicated);
-    EXPECT_EQ(refusal([&] { u.addChild("a", "2"); }), duplicated);
-    EXPECT_EQ(refusal([&] { u.addChild(*u.at(istr("b"))); }), duplicated);
-    EXPECT_EQ(u.numofChildren(), 4u);
-
+    EXPECT_EQ(raised([&] { u.addChild(refused.get()); }), duplicated);
+    EXPECT_EQ(raised([&] { u.addChild(*u.at(istr("b"))); }), duplicated);
     EXPECT_FALSE(u.updateChild("a", "2"));
     EXPECT_FALSE(u.updateChild(parsed("b:u((1)(2))")));
     EXPECT_TRUE(u.updateChild("d", "long", "4"));
@@ -202,24 +123,18 @@ TEST(PmlTree, AddingChildren) {
     more += Unit("", "", "text");
     EXPECT_EQ(shape(more), "");
     more += parsed("m(a(1)(2))");
-    EXPECT_EQ(refusal([&] { more += more; }), duplicated);
+    EXPECT_EQ(raised([&] { more += more; }), duplicated);
     EXPECT_EQ(shape(more), "{a=1 =2}");
-    Unit same = parsed("((1)(2))");
-    same += same;
-    EXPECT_EQ(shape(same) + brokenLinks(same), "{=1 =2 =1 =2}");
-
     Unit created("c");
     created["x"]["y"]["x"] << true;
     created["."];
     created[".."];
     EXPECT_EQ(shape(created), "c{x{y{x=1}} . ..}");
-    EXPECT_EQ(&created["x"], created.at(0));
 }
 
 TEST(PmlTree, NamesThatLookLikePositions) {
     struct Row {
-        char const * there;
-        char const * name;
+        char const *there, *name;
         bool taken;
     };
     Row const rows[] = {{"((a)(b))", "[1]", true},   {"((a)(b))", "[0]", true},    {"((a)(b))", "[2]", false},
@@ -228,7 +143,7 @@ TEST(PmlTree, NamesThatLookLikePositions) {
                         {"((a)[1](b))", "", false},  {"((a)[02](b))", "", false},  {"(text)", "[0]", true}};
     for (Row const & row : rows) {
         Unit u = parsed(row.there);
-        EXPECT_EQ(refusal([&] { u.addChild(row.name, "new"); }), row.taken ? duplicated : "none")
+        EXPECT_EQ(raised([&] { u.addChild(row.name, "new"); }), row.taken ? duplicated : "nothing")
             << row.there << " " << row.name;
         EXPECT_EQ(brokenLinks(u), "");
     }
@@ -239,6 +154,7 @@ TEST(PmlTree, NamesThatLookLikePositions) {
 }
 
 TEST(PmlTree, Paths) {
+    EXPECT_EQ(earlyPath, "/a/b/.../[]");
     Unit const root = parsed("r(a(b(c(1)))list(x(0)(1)(x(2)(3)))'a/b'(5))");
     Unit const * const c = root.at(0)->at(0)->at(0);
     Unit const * const list = root.at(1);
@@ -260,24 +176,14 @@ TEST(PmlTree, Paths) {
           "=/a/b/c .=/a/b/c /=/ ..=/a/b ../..=/a ../../..=/ ../../../..=none /a/b/c=/a/b/c"
           " /a/./b/../b/c=/a/b/c ../c=/a/b/c [0]=none");
     finds(*list, "[0]=/list/x [0]/..=/list [1]x=none [3]=none [02]=/list/[2]");
-    EXPECT_EQ(root.path(), "/");
-    EXPECT_EQ(c->root(), &root);
-
-    EXPECT_EQ(root.at(istr("/")), &root);
-    EXPECT_EQ(c->at(istr("..")), c->parent());
-    EXPECT_EQ(list->at(istr("[1]")), list->at(1));
-    EXPECT_EQ(root.at(istr("a/b")), nullptr);
+    EXPECT_TRUE(look(root, "/") == &root && look(*c, "..") == c->parent() && look(root, "a/b") == nullptr);
     char const * const range = "list";
     EXPECT_EQ(root.at(range, range + 4), list);
     EXPECT_EQ(root.at(reinterpret_cast<unsigned char const *>(range), reinterpret_cast<unsigned char const *>(range)),
               &root);
-    EXPECT_EQ(&root["list"][1], list->at(1));
     EXPECT_EQ(&root["list"]["none"][0], &Unit::null());
     String text("before");
-    EXPECT_TRUE(root.getChild("a", text));
-    EXPECT_EQ(text, "");
-    EXPECT_TRUE(c->getChild("", text));
-    EXPECT_EQ(text, "1");
+    EXPECT_TRUE(root.getChild("a", text) && text.empty() && c->getChild("", text));
     EXPECT_FALSE(root.getChild("none", text));
     EXPECT_EQ(text, "1");
 }
@@ -285,28 +191,12 @@ TEST(PmlTree, Paths) {
 TEST(PmlTree, WrongPositionsAreLogged) {
     Unit u = parsed("((0)(1)(2)(3)(4))");
     Unit const & constant = u;
-    Records records;
-    EXPECT_EQ(u.at(5), nullptr);
-    EXPECT_EQ(constant.at(7u), nullptr);
-    EXPECT_EQ(constant.find("[6]"), nullptr);
-    EXPECT_TRUE(u.at(4) != nullptr && constant.at(0) == u.at(0) && &u[0] == u.at(0));
+    Records records("src/yon/pml/");
+    EXPECT_TRUE(u.at(5) == nullptr && constant.at(7u) == nullptr && constant.find("[6]") == nullptr);
     EXPECT_EQ(u.at(1)->at(0), nullptr);
-    EXPECT_EQ(records.text,
-              "error: Index too large: 5\nerror: Index too large: 7\nerror: Index too large: 6\n"
-              "error: Value was not a list.\n");
-}
-
-TEST(PmlTree, Shapes) {
-    for (char const * text : {"a", "a(1)", "a(b(1))", "a(b(c(d())))", "a(:t(1))"}) {
-        EXPECT_TRUE(parsed(text).childWasSingle() && !parsed(text).childrenWereUnnamedList()) << text;
+    for (char const * text : {"too large: 5", "too large: 7", "too large: 6", "Value was not a list."}) {
+        EXPECT_EQ(records.count(text), 1) << text;
     }
-    for (char const * text : {"a(b(1)c(2))", "a(b(c(1)d(2)))", "a(:t(1)(2))", "a(:t(1)x:t(2))"}) {
-        EXPECT_FALSE(parsed(text).childWasSingle() || parsed(text).childrenWereUnnamedList()) << text;
-    }
-    for (char const * text : {"a(:t(1):t(2))", "a(:t(1):u(x(1)))"}) {
-        EXPECT_TRUE(!parsed(text).childWasSingle() && parsed(text).childrenWereUnnamedList()) << text;
-    }
-    EXPECT_TRUE(Unit("a", "", new ListValue).childWasSingle());
 }
 
 void stores() {}
@@ -356,21 +246,13 @@ void reads(char const * text, T expected, More... more) {
 /// None of the texts, and neither a list nor nothing, is read; the target stays.
 template <class T>
 void refuses(T before, std::initializer_list<char const *> texts) {
-    Unit const list("", "", new ListValue);
-    Unit const none;
-    auto const check = [&](Unit const & u) {
+    std::vector<Unit> units{Unit(), Unit("", "", new ListValue)};
+    for (char const * text : texts) units.emplace_back("", "", text);
+    for (Unit const & u : units) {
         T value = before;
         EXPECT_FALSE(u >> value) << shape(u);
         EXPECT_EQ(value, before);
-        if constexpr (std::is_arithmetic_v<T>) {
-            T volatile changing = before;
-            EXPECT_FALSE(u >> changing) << shape(u);
-            EXPECT_EQ(changing, before);
-        }
-    };
-    check(list);
-    check(none);
-    for (char const * text : texts) check(Unit("", "", text));
+    }
 }
 
 TEST(PmlTree, TypedExtraction) {
@@ -390,33 +272,11 @@ TEST(PmlTree, TypedExtraction) {
     refuses(wstring{'w'}, {});
     refuses(Bytes(istr("x")), {});
 
-    Unit const none;
-    for (Unit const * u : {&none, &Unit::null()}) {
+    for (Unit const & u : {Unit(), Unit("", "", "soon")}) {
         Time time(5);
-        EXPECT_FALSE(*u >> time);
-        EXPECT_EQ(time, Time());
+        EXPECT_FALSE(u >> time);
+        EXPECT_EQ(time, Time()) << "which does not stay";
     }
-    Time time(5);
-    EXPECT_FALSE(Unit("", "", "soon") >> time);
-    EXPECT_EQ(time, Time());
-    double pi = 0;
-    Unit u;
-    u << 3.14159265;
-    EXPECT_TRUE(u >> pi);
-    EXPECT_EQ(pi, 3.14159);
-}
-
-TEST(PmlTree, LeakCheckerKnowsNodesAndTheirMakers) {
-    MemLeakChecker::enable(true);
-    auto unit = std::make_unique<Unit>("n", "", "v");
-    unit->addChild("a", "1");
-    std::ostringstream live;
-    MemLeakChecker::report(live);
-    unit.reset();
-    EXPECT_NE(live.str().find("src/yon/pml/ntv:"), std::string::npos) << live.str();
-    EXPECT_NE(live.str().find("yon::pml::ntv::Unit::addChild"), std::string::npos) << live.str();
-    EXPECT_EQ(MemLeakChecker::count(), 0u);
-    MemLeakChecker::enable(false);
 }
 
 std::size_t sizeOf(Unit const & unit) {
@@ -449,40 +309,25 @@ TEST(PmlTree, RandomEditingKeepsLinksAndKeys) {
             istr const key = random() % 6 != 0 ? istr(name) : istr();
             Unit const * const known = unit.numofChildren() != 0 && !key.empty() ? look(unit, name.c_str()) : nullptr;
             ulong const count = unit.numofChildren();
-            switch (random() % 10) {
-                case 0:
-                case 1:
-                case 2:
-                    if (known != nullptr) {
-                        EXPECT_EQ(refusal([&] { unit.addChild(key, "t", "v"); }), duplicated);
-                        EXPECT_EQ(unit.numofChildren(), count);
-                    } else {
-                        refusal([&] { unit.addChild(key, "t", "v"); });
-                    }
-                    break;
-                case 3:
-                    if (!wild && !key.empty()) {
-                        EXPECT_EQ(unit.updateChild(key, "u", "w"), known == nullptr);
-                    }
-                    break;
-                case 4:
-                    if (random() % 4 == 0) unit.setValue(name);
-                    break;
-                case 5:
-                    if (random() % 4 == 0) delete unit.popValue();
-                    break;
-                case 6:
-                    if (unit.parent() == nullptr || look(*unit.parent(), name.c_str()) == nullptr) unit.name() = name;
-                    break;
-                case 7:
-                    if (sizeOf(root) < 200) unit << *place();
-                    break;
-                case 8:
-                    if (count != 0 && sizeOf(root) < 200) refusal([&] { unit += unit; });
-                    break;
-                default:
-                    if (unit.parent() == nullptr && count != 0 && random() % 8 == 0)
-                        unit = std::move(*unit.at(count - 1));
+            bool const seldom = random() % 4 == 0, small = sizeOf(root) < 200;
+            auto const action = random() % 10;
+            if (action < 3) {
+                std::string const refusal = raised([&] { unit.addChild(key, "t", "v"); });
+                EXPECT_TRUE(known == nullptr || (refusal == duplicated && unit.numofChildren() == count));
+            } else if (action == 3 && !wild && !key.empty()) {
+                EXPECT_EQ(unit.updateChild(key, "u", "w"), known == nullptr);
+            } else if (action == 4 && seldom) {
+                unit.setValue(name);
+            } else if (action == 5 && seldom) {
+                delete unit.popValue();
+            } else if (action == 6 && (unit.parent() == nullptr || look(*unit.parent(), name.c_str()) == nullptr)) {
+                unit.name() = name;
+            } else if (action == 7 && small) {
+                unit << *place();
+            } else if (action == 8 && small && count != 0) {
+                raised([&] { unit += unit; });
+            } else if (action == 9 && seldom && unit.parent() == nullptr && count != 0) {
+                unit = std::move(*unit.at(count - 1));
             }
             ASSERT_EQ(linksAndKeys(root), "") << "round " << round << " step " << i;
         }

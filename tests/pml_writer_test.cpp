@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <random>
 
+#include "file_testing.h"
 #include "pml_testing.h"
 #include "yon/pml/pml_type.h"
 
@@ -63,16 +62,12 @@ TEST(PmlWriter, EveryLayoutAndPatternAndBack) {
 
 TEST(PmlWriter, Layouts) {
     struct Row {
-        char const * tree;
-        char const * compact;
-        char const * simple;
-        char const * mixed;
+        char const *tree, *compact, *simple, *mixed;
     };
     Row const rows[] = {
         {"server(host(alpha) ports((80)(81)))", "server(host(alpha)ports((80)(81)))",
          "server(\n    host(alpha)\n    ports(\n        (80)\n        (81)\n    )\n)",
          "server(host(alpha)ports((80)(81)))"},
-        {"a(b(1)c(2))", "a(b(1)c(2))", "a(\n    b(1)\n    c(2)\n)", "a(b(1)c(2))"},
         {"a:t ( b ( c : u ( '1:' ) ) )", "a:t(b(c:u('1:')))", "a:t(b(c:u('1:')))", "a:t(b(c:u('1:')))"},
         {"a(:t(1):u(2))", "a(:t(1):u(2))", "a(\n    :t(1)\n    :u(2)\n)", "a(\n        :t(1)\n        :u(2)\n)"},
         {"a(b(:t(1):t(2))c((3):t(4)))", "a(b(:t(1):t(2))c((3):t(4)))",
@@ -100,23 +95,12 @@ TEST(PmlWriter, Layouts) {
 }
 
 TEST(PmlWriter, Escaping) {
-    for (auto const & [text, expected] :
-         std::initializer_list<std::pair<char const *, char const *>>{{"", ""},
-                                                                      {"plain", "plain"},
-                                                                      {"a:b", "'a:b'"},
-                                                                      {"it's", "'it\\'s'"},
-                                                                      {"\\", "'\\\\'"},
-                                                                      {"\"", "'\"'"},
-                                                                      {"(", "'('"},
-                                                                      {")", "')'"},
-                                                                      {"*", "'*'"},
-                                                                      {" edge ", " edge "},
-                                                                      {"'", "'\\''"},
-                                                                      {"a\nb", "a\nb"}}) {
-        String s(text);
-        escapeString(s);
-        EXPECT_EQ(s, expected);
+    std::string escaped;
+    for (String text : {"", "plain", "a:b", "it's", "\\", "\"", "(", ")", "*", " edge ", "'", "a\nb"}) {
+        escapeString(text);
+        escaped += text + '|';
     }
+    EXPECT_EQ(escaped, "|plain|'a:b'|'it\\'s'|'\\\\'|'\"'|'('|')'|'*'| edge |'\\''|a\nb|");
     // Every text of two bytes comes back.
     for (int a = 0; a < 256; ++a) {
         for (int b = 0; b < 256; ++b) {
@@ -136,19 +120,17 @@ TEST(PmlWriter, Modes) {
     std::ostringstream out;
     for (int wrong : {0, 5, -1, 1000}) {
         EXPECT_FALSE(ntvToPml(unit, untouched, wrong) || ntvToPml(unit, out, wrong) ||
-                     unit.toString(untouched, wrong));
-        EXPECT_FALSE(format(istr("n(1)"), untouched, wrong));
-        EXPECT_STREQ(ShowMode(wrong).name(), "<UnknownShowMode>");
-        EXPECT_EQ(unit.str(wrong), "");
+                     format(istr("n(1)"), untouched, wrong));
+        out << ShowMode(wrong);
     }
     EXPECT_EQ(untouched, "as before");
     for (ShowMode mode : modes) out << mode << ' ';
-    out << ShowPattern(15) << ' ';
-    EXPECT_EQ(out.str(), "COMPACT SIMPLE MIXED FORMATTED 15 ");
-    unit << ShowMode(ShowMode::MIXED);
-    EXPECT_EQ(unit.getStringValue(), "MIXED");
-    unit << ShowPattern(9);
-    EXPECT_EQ(unit.getStringValue(), "9");
+    EXPECT_EQ(out.str(),
+              "<UnknownShowMode><UnknownShowMode><UnknownShowMode><UnknownShowMode>"
+              "COMPACT SIMPLE MIXED FORMATTED ");
+    unit["a"] << ShowMode(ShowMode::MIXED);
+    unit["b"] << ShowPattern(9);
+    EXPECT_EQ(unit.str(ShowMode::COMPACT), "n((1)a(MIXED)b(9))");
 }
 
 TEST(PmlWriter, TargetsAndSources) {
@@ -161,48 +143,35 @@ TEST(PmlWriter, TargetsAndSources) {
     String text("before ");
     out << unit << ' ';
     text << unit;
-    EXPECT_EQ(text, "before " + formatted);
-    EXPECT_TRUE(ntvToFormattedPml(unit, out) && ntvToMixedPml(unit, out) && ntvToCompactPml(unit, text, 4));
-    EXPECT_EQ(out.str(), compact + " " + formatted + compact);
-    EXPECT_EQ(text, "a(b()c())");
-    EXPECT_TRUE(ntvToSimplePml(unit, text));
-    EXPECT_EQ(text, formatted);
-    EXPECT_EQ(unit.str(), formatted);
-    EXPECT_EQ(unit.str(ShowMode::COMPACT), compact);
-    EXPECT_TRUE(ntvToPml(unit, unit.name(), ShowMode::COMPACT));
-    EXPECT_EQ(unit.name(), compact);
+    EXPECT_TRUE(ntvToFormattedPml(unit, out) && ntvToMixedPml(unit, out));
+    EXPECT_EQ(out.str() + text, compact + " " + formatted + compact + "before " + formatted);
+    EXPECT_TRUE(ntvToCompactPml(unit, text, 4) && text == "a(b()c())");
+    EXPECT_TRUE(ntvToSimplePml(unit, text) && text == formatted);
+    EXPECT_TRUE(ntvToPml(unit, unit.name(), ShowMode::COMPACT) && unit.name() == compact);
     unit.name("a");
     out.setstate(std::ios::failbit);
     EXPECT_FALSE(ntvToPml(unit, out, ShowMode::SIMPLE));
-
-    std::string const path = (std::filesystem::temp_directory_path() / "zuvyon_pml_writer_test.pml").string();
+    TemporaryDirectory const directory("pml-writer");
+    std::string const path = directory.file("a.pml");
     File const file{istr(path)};
-    auto const content = [&] {
-        std::ifstream in(path, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    };
+    auto const content = [&] { return contentOf(path); };
     char const * source = "a(b(1)c(2))x";
     std::istringstream in(compact);
     EXPECT_TRUE(ntvToPml(unit, file, ShowMode::SIMPLE) && content() == formatted);
     EXPECT_TRUE(format(source, file, ShowMode::COMPACT) && content() == compact);
     EXPECT_STREQ(source, "x");
     EXPECT_TRUE(format(in, file) && content() == formatted);
-    EXPECT_TRUE(format(istr("z(1)"), file) && content() == "z(1)");
-    std::ostringstream target;
-    EXPECT_TRUE(format(file, target, ShowMode::MIXED) && target.str() == "z(1)");
-    EXPECT_TRUE(format(file, text) && text == "z(1)");
+    EXPECT_TRUE(format(istr("z(1)"), file) && format(file, text) && text == "z(1)");
     EXPECT_THROW(format(istr("a:b"), file), std::invalid_argument);
     EXPECT_EQ(content(), "z(1)");
     EXPECT_TRUE(pmlFile(file).fromNTV(unit, ShowMode::COMPACT) && content() == compact);
     std::filesystem::remove(path);
-    EXPECT_FALSE(format(file, text));
-    EXPECT_EQ(text, "z(1)");
+    EXPECT_TRUE(!format(file, text) && text == "z(1)");
     File const nowhere{istr(path + "/x")};
     EXPECT_FALSE(ntvToPml(unit, nowhere, ShowMode::SIMPLE) || format(istr("a(1)"), nowhere));
-
     pmlString holder;
-    EXPECT_TRUE(holder.fromNTV(unit, ShowMode::COMPACT, 4) && holder.data() == "a(b()c())");
-    EXPECT_FALSE(holder.fromNTV(unit, 9));
+    EXPECT_TRUE(holder.fromNTV(unit, ShowMode::COMPACT, 4) && !holder.fromNTV(unit, 9) &&
+                holder.data() == "a(b()c())");
 }
 
 }  // namespace

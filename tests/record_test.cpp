@@ -2,7 +2,6 @@
 
 #include <climits>
 #include <iomanip>
-#include <thread>
 
 #include "log_testing.h"
 #include "yon/base/throw.h"
@@ -40,17 +39,16 @@ TEST(Record, SingleLines) {
     writeDebugLog(log(), "f.cpp", 1, "app::f", nullptr, "");
     EXPECT_EQ(lines.take(),
               "bare\ndebug: " + head() + "[TIMER.DEBUG][app::f] text\ndebug: " + head() + "[][app::f] \n");
-    for (char const * tag : {"INFO", "", static_cast<char const *>(nullptr)})
+    for (char const * tag : {"INFO", static_cast<char const *>(nullptr)})
         writeInfoLog(log(), "f.cpp", 1, "app::f", "text", tag);
-    EXPECT_EQ(lines.take(), head() + "[INFO] text\n" + head() + " text\n" + head() + " text\n");
+    EXPECT_EQ(lines.take(), head() + "[INFO] text\n" + head() + " text\n");
     std::string const just(112, 'x');
     writeEntryLog(log(), "TEST", "case", "", '~');
     writeEntryLog(log(), "TEST", "case", "end", '.');
     writeEntryLog(log(), just.c_str(), "", "1234", '.');
     writeEntryLog(log(), just.c_str(), "", "12345", '.');
-    writeEntryLog(log(), (just + "123456").c_str(), "", "", '.');
     EXPECT_EQ(lines.take(), "TEST case " + std::string(108, '~') + "\n" + ruled('.', "TEST case", "end") + just +
-                                "  1234\n" + just + "  12345\n" + just + "123456 \n");
+                                "  1234\n" + just + "  12345\n");
 }
 
 TEST(Record, Blocks) {
@@ -75,26 +73,26 @@ TEST(Record, FramesWithLocationAndCallStack) {
     std::string const place =
         "\n        AT: app::f(f.cpp:7)\nCALL STACK: app::inner(inner.cpp:20)\n            app::outer(outer.cpp:10)";
     writeErrorLog(log(), "f.cpp", 7, "app::f", "cause", "<WARNING>");
-    writeErrorLog(log(), "f.cpp", 7, "app::f", "cause", "<WARNING>");
-    std::string const warning = framed("<WARNING>", "     CAUSE: cause" + place);
-    EXPECT_EQ(lines.take(), warning + warning);
     writeExcptLog(log(), "f.cpp", 7, "app::f", "what");
-    EXPECT_EQ(lines.take(), framed("EXCEPTION", "     CAUSE: Catch a exception." + place + "\n\nwhat"));
     assertFailure(log(), "a == b", "f.cpp", 7, "app::f", "");
-    EXPECT_EQ(lines.take(), framed("ASSERT FAILURE", " CONDITION: a == b" + place));
     ensureFailure(log(), "a == b", "f.cpp", 7, "app::f", "go on");
-    EXPECT_EQ(lines.take(), framed("ENSURE FAILURE", " CONDITION: a == b" + place + "\n   WILL DO: go on"));
     exceptionThrown(log(), "f.cpp", 7, "app::f", "cause");
-    EXPECT_EQ(lines.take(), framed("THROWING", "     CAUSE: cause" + place));
+    EXPECT_EQ(lines.take(), framed("<WARNING>", "     CAUSE: cause" + place) +
+                                framed("EXCEPTION", "     CAUSE: Catch a exception." + place + "\n\nwhat") +
+                                framed("ASSERT FAILURE", " CONDITION: a == b" + place) +
+                                framed("ENSURE FAILURE", " CONDITION: a == b" + place + "\n   WILL DO: go on") +
+                                framed("THROWING", "     CAUSE: cause" + place));
     EXPECT_EQ(tracer::instance()->separator(), "\n            ");
 }
 
-/// Logs, throws and catches while a record is handed over.
+/// Logs to other loggers and to its own, catches and throws while a record is handed over.
 struct Nested : LoggerCallback {
     void onLog(istr line) override {
-        writeDataLog(other, "", 0, "", "a longer record within another one");
-        EXPECT_THROW(YON_THROW(InvalidDataException, "within a record"), InvalidDataException);
         seen += std::string(line);
+        writeDataLog(other, "", 0, "", "a longer record within another one");
+        log().writeAndPrint("not heard\n");
+        EXPECT_THROW(YON_THROW(InvalidDataException, "within a record"), InvalidDataException);
+        YON_THROW(InvalidDataException, "not the logger's");
     }
     logger & other = logger_factory::instance("RT2");
     std::string seen;
@@ -124,11 +122,10 @@ TEST(Record, TheLibrarysOwnGoToYon) {
     EXPECT_THROW(YON_THROW_AT(where, OutOfRangeException, "too far"), OutOfRangeException);
     expectParts(lines.take(), {"     CAUSE: text\n        AT: app::f(f.cpp:7)\nCALL STACK: \n------", "][<ERROR>] ",
                                "     CAUSE: OutOfRangeException: too far\n        AT: app::f(f.cpp:7)"});
-    yon.debugOn(true);
-    EXPECT_TRUE(diagnostics::categoryOn("TIMER.DEBUG"));
-    EXPECT_FALSE(diagnostics::categoryOn("TIMER.TRACE") || diagnostics::categoryOn("TRACE"));
-    yon.debugOn(false);
-    EXPECT_FALSE(diagnostics::categoryOn("TIMER.DEBUG"));
+    for (bool const on : {true, false}) {
+        yon.debugOn(on);
+        EXPECT_TRUE(diagnostics::categoryOn("TIMER.DEBUG") == on && !diagnostics::categoryOn("TIMER.TRACE"));
+    }
 }
 
 template <class T>
@@ -156,10 +153,10 @@ TEST(Macros, AreSingleStatementsAnywhere) {
     struct Commas : std::numpunct<char> {
         char do_decimal_point() const override { return ','; }
     };
-    YON_LOG_DATA(log(), std::setfill('*') << std::setw(6) << 1 << static_cast<char const *>(nullptr) << "lost");
     auto const imbued = [](std::ostream & os) -> std::ostream & {
         return os.imbue(std::locale(os.getloc(), new Commas)), os;
     };
+    YON_LOG_DATA(log(), std::setfill('*') << std::setw(6) << 1 << static_cast<char const *>(nullptr) << "lost");
     YON_LOG_DATA(log(), +imbued << 0.5);
     YON_LOG_DATA(log(), std::setw(4) << 0.5);
     EXPECT_EQ(lines.take(), big + big + "\n*****1\n0,5\n 0.5\n");
@@ -208,7 +205,6 @@ TEST(Macros, EvaluateOnlyWhatIsWanted) {
     };
     useAll();
     EXPECT_EQ(loggers * 100 + messages, 200);
-    EXPECT_EQ(lines.take(), "");
     log().debugOn(true).traceOn(true);
     useAll();
     log().debugOn(false).traceOn(false);
@@ -223,11 +219,8 @@ TEST(Macros, ErrorsCarryPlaceAndText) {
     Lines lines(log());
     YON_LOG_WARNING(log(), "w" << 1);
     YON_ENSURE(log(), 1 + 1 == 3, String("count again"));
-    try {
-        throw OutOfRangeException("f.cpp", 3, "app::f", "message");
-    } catch (std::exception const & e) {
-        YON_LOG_EXCEPTION(log(), e);
-    }
+    OutOfRangeException const raised("f.cpp", 3, "app::f", "message");
+    YON_LOG_EXCEPTION(log(), static_cast<std::exception const &>(raised));
     YON_LOG_EXCEPTION(log(), std::runtime_error("plain"));
     YON_LOG_EXCEPTION(log(), 42);
     expectParts(lines.take(), {"     CAUSE: w1\n", "<WARNING>\n", "ErrorsCarryPlaceAndText_Test::TestBody(",

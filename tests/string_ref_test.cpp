@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "raise_testing.h"
 #include "yon/base/exception.h"
 #include "yon/log/dumper.h"
 
@@ -22,12 +23,10 @@ TEST(StringRef, WritesInsideItsBuffer) {
         ulong cursor;
     };
     for (Row const & row : std::initializer_list<Row>{
-             {9, [](R r) { r.append("abc"); }, "abc0......", 3},
              {9, [](R r) { r.append("abc", 2).append(static_cast<unsigned char>('x')); }, "abx0......", 3},
              {9, [](R r) { r.append(static_cast<char const *>(nullptr), 3); }, "0.........", 0},
              {4, [](R r) { r.append("abcdef"); }, "abcd......", 4},
              {4, [](R r) { (r += "ab") += "cd"; }, "abcd......", 4},
-             {4, [](R r) { r << "abc"; }, "abc0......", 3},
              {9, [](R r) { r << 'a' << String("b") << Byte(99) << istr("de", 1); }, "abcd0.....", 4},
              {9, [](R r) { (r << "xyz") = istr("ab"); }, "ab00......", 2},
              {9, [](R r) { r = Bytes("ab"); }, "ab0.......", 2},
@@ -65,26 +64,17 @@ TEST(StringRef, WritesInsideItsBuffer) {
 TEST(StringRef, RefusesToLeaveTheBuffer) {
     char room[4];
     StringRef r(room, 4, 4);
-    struct Row {
-        void (*move)(StringRef &);
-        unsigned int line;
-        char const * func;
+    std::pair<void (*)(StringRef &), std::string> const rows[] = {
+        {[](StringRef & s) { ++s; }, "195 yon::StringRef::operator`++'"},
+        {[](StringRef & s) { s++; }, "195 yon::StringRef::operator`++'"},
+        {[](StringRef & s) { s.advance(1); }, "217 yon::StringRef::advance"},
+        {[](StringRef & s) { s.advance(npos - 1); }, "217 yon::StringRef::advance"},
+        {[](StringRef & s) { StringRef(s).rewind(9).advance(0); }, "217 yon::StringRef::advance"},
     };
-    for (Row const & row :
-         {Row{[](StringRef & s) { ++s; }, 195, "yon::StringRef::operator`++'"},
-          {[](StringRef & s) { s++; }, 195, "yon::StringRef::operator`++'"},
-          {[](StringRef & s) { s.advance(1); }, 217, "yon::StringRef::advance"},
-          {[](StringRef & s) { s.advance(npos - 1); }, 217, "yon::StringRef::advance"},
-          {[](StringRef & s) { StringRef(s).rewind(9).advance(0); }, 217, "yon::StringRef::advance"}}) {
-        try {
-            row.move(r);
-            ADD_FAILURE() << row.func;
-        } catch (OutOfRangeException const & e) {
-            EXPECT_STREQ(e.msg(), "OutOfRangeException: OutOfRangeException");
-            EXPECT_STREQ(e.file(), "include/yon/string/string_ref");
-            EXPECT_EQ(e.line(), row.line);
-            EXPECT_STREQ(e.func(), row.func);
-        }
+    for (auto const & [move, place] : rows) {
+        auto const leave = [&r, &step = move] { step(r); };
+        EXPECT_EQ(raisedAt<OutOfRangeException>(leave), "include/yon/string/string_ref:" + place);
+        EXPECT_EQ(raised(leave), "OutOfRangeException: OutOfRangeException");
         EXPECT_EQ(r.size(), 4u) << "a refused move changes nothing";
     }
 }
@@ -100,16 +90,13 @@ TEST(StringRef, StandsBehindTheTextThatIsThere) {
     b.append("ab");
     StringRef over(b);
     over << "xyz";
-    EXPECT_EQ(istr(over), "abxy");
-    EXPECT_EQ(b.size(), 2u);
+    EXPECT_TRUE(istr(over) == "abxy" && b.size() == 2);
     StringRef none;
     EXPECT_TRUE((none << "a").fill('x', 3).empty() && none.null() && none.left() == 0 && istr(none).is_null());
-    EXPECT_TRUE(StringRef(nullptr, 0, 0).null() && StringRef(nullptr, 5).append("a").empty());
-
-    std::ostringstream os, address;
-    address << static_cast<void *>(room);
-    r.dump(os);
-    EXPECT_EQ(os.str(), "@yon::StringRef {\n    addr_ = " + address.str() + "\n    size_ = 8\n    cursor_ = 4\n}");
+    EXPECT_TRUE(StringRef(nullptr, 5).append("a").empty());
+    std::ostringstream os;
+    none.dump(os);
+    EXPECT_EQ(os.str(), "@yon::StringRef {\n    addr_ = 0\n    size_ = 0\n    cursor_ = 0\n}");
 }
 
 }  // namespace

@@ -3,14 +3,8 @@
 #include <chrono>
 #include <random>
 #include <sstream>
-#include <unordered_set>
 
-#include "yon/base/bytes.h"
-#include "yon/base/iwstr.h"
-#include "yon/base/mem.h"
-#include "yon/base/ostr.h"
-#include "yon/base/string.h"
-#include "yon/string/multi_string.h"
+#include "yon/yon.h"
 
 namespace yon {
 namespace {
@@ -66,9 +60,7 @@ TEST(Texts, CompareInBothOrdersWithEachOther) {
     }
     EXPECT_TRUE(ordered(istr(), noText, 0) && ordered(String(), noText, 0) && ordered(nullptr, istr(""), 0));
     EXPECT_TRUE(istr("a\0b", 3) != "a" && String("a\0b", 3) == "a\0b"s && istr("a\0b", 3) == "a\0b"sv);
-    EXPECT_EQ(istr("a").compare("b"), -1);
-    EXPECT_EQ(istr("z").compare("a"), 1);
-    EXPECT_EQ((std::unordered_set<istr>{"a", "a", "b"}.size()), 2u);
+    EXPECT_EQ(istr("a").compare("z"), -1);
     EXPECT_EQ(std::hash<String>()("ab"), std::hash<istr>()("ab"));
 }
 
@@ -80,30 +72,27 @@ TEST(WideTexts, CompareByTheirBytes) {
     EXPECT_EQ(iwstr(lowBig).compare(lowSmall), 1) << "the low byte counts first";
     EXPECT_EQ(iwstr(nullptr).size(), 0u);
     EXPECT_TRUE(iwstr(a).beginWith(iwstr(a, 1)) && iwstr(a).rightstr(1) == iwstr(a + 1));
-    EXPECT_EQ(wstring(iwstr(a).substr(1)), wstring(a + 1));
 }
 
 TEST(Istr, KnowsItsLength) {
     static_assert(sizeof(istr) == 2 * sizeof(void *) && std::is_trivially_copyable_v<istr>);
     EXPECT_TRUE(istr(nullptr).is_null() && istr(nullptr).empty() && istr(noText, 5).size() == 0);
-    EXPECT_TRUE(istr("").empty() && !istr("").is_null());
-    EXPECT_EQ(istr("abc", npos).size(), 3u);
+    EXPECT_TRUE(istr("").empty() && !istr("").is_null() && istr("abc", npos).size() == 3);
     EXPECT_TRUE(istr(istr("abc"), 2) == "ab" && istr(istr("abc"), 10) == "abc");
     EXPECT_EQ(istr(reinterpret_cast<unsigned char const *>("abc"), 2), "ab");
     EXPECT_TRUE(toLength(1u << 16) == 1u << 16 && toLength(~std::size_t{0}) == npos - 1);
-    EXPECT_EQ(std::string(istr("abc")) + std::string(std::string_view(istr("d"))) + std::string(istr()), "abcd");
 }
 
 TEST(Istr, CutsAndSearches) {
     istr const abc = "abc";
     std::string all;
-    for (istr const & s : {abc.substr(1, 1), abc.substr(1), abc.substr(5, 2), abc.leftstr(2), abc.leftstr(9),
-                           abc.rightstr(1), abc.rightstr(10), abc.rightstr(npos), abc.rightstr(0), abc.removeLeft(1),
-                           abc.removeRight(1), abc.removeLeft("xy"), abc.removeRight("xy"), istr("  x ").trimLeft(),
-                           istr("  ").trimLeft(), istr(" x", 1).trimLeft()}) {
+    for (istr const & s :
+         {abc.substr(1, 1), abc.substr(5, 2), abc.leftstr(2), abc.leftstr(9), abc.rightstr(1), abc.rightstr(npos),
+          abc.rightstr(0), abc.removeLeft(1), abc.removeRight(1), abc.removeLeft("xy"), abc.removeRight("xy"),
+          istr("  x ").trimLeft(), istr("  ").trimLeft(), istr(" x", 1).trimLeft()}) {
         all += std::string(s) + '|';
     }
-    EXPECT_EQ(all, "b|bc||ab|abc|c|abc|abc||bc|ab|c|a|x |||");
+    EXPECT_EQ(all, "b||ab|abc|c|abc||bc|ab|c|a|x |||");
     EXPECT_EQ(abc.substr(5, 2).data(), abc.end());
     EXPECT_TRUE(abc.beginWith("ab") && abc.beginWith("") && !istr("ab").beginWith(abc) && !abc.beginWith("AB"));
     EXPECT_TRUE(abc.endWith("bc") && abc.endWith("") && !abc.endWith("xabc") && !abc.endWith("ab"));
@@ -146,17 +135,13 @@ TEST(Ostr, FillsItsRoom) {
     o.reset() = istr("abc", 2);
     EXPECT_EQ(std::string(room, 5), "abc\0#"s) << "two characters are written and no terminator";
     MemSet(room, '#', 8);
-    EXPECT_STREQ(o.reset().data(), "");
+    o.reset();
     EXPECT_EQ(std::string(room, 5), "\0##\0#"s);
     o.assign("a", 3);
     EXPECT_EQ(std::string(room, 5), "a\0\0\0#"s);
-    EXPECT_EQ(istr(o), "a\0\0\0"s);
-    EXPECT_EQ(istr(Str(o)), "a");
-    EXPECT_TRUE(o.end() == room + 4 && std::as_const(o).end() == room + 1);
-    EXPECT_EQ(o.assign(noText).size(), 0u);
-    EXPECT_EQ(o.rightstr(2).buffer(), room + 2);
-    EXPECT_EQ(o.substr(9, 1).max_size(), 0u);
-    EXPECT_EQ(o.leftstr(9).max_size(), 4u);
+    EXPECT_TRUE(istr(o) == "a\0\0\0"s && istr(Str(o)) == "a");
+    EXPECT_TRUE(o.end() == room + 4 && std::as_const(o).end() == room + 1 && o.assign(noText).size() == 0);
+    EXPECT_TRUE(o.rightstr(2).buffer() == room + 2 && o.substr(9, 1).max_size() == 0 && o.leftstr(9).max_size() == 4);
     EXPECT_TRUE(ostr(static_cast<char *>(nullptr), 4).empty() && ostr(room, 0).empty() && !o.empty());
     ostr none;
     none = "abc";
@@ -170,21 +155,14 @@ TEST(Str, WorksOnTheText) {
     EXPECT_TRUE(s.empty() && s.isEnd(0) && s.left() == 8);
     s = "ab";
     s += "Cd";
-    EXPECT_EQ(s, "abCd");
-    EXPECT_TRUE(s.is("ABCD") && s.isNot("ABC") && s.is("ABC", 3) && s.cmp("abCd") == 0 && s.cmp("ab", 2) == 0);
-    EXPECT_TRUE(s.cmpNoCase(istr("ABCE")) < 0 && s.cmp(istr("abC")) == 1 && s.cmpNoCase("ABCC") > 0);
-    EXPECT_TRUE(s.beginWith("AB", 2, true) && !s.beginWith("AB", 2) && !s.isEnd(3) && s.isEnd(4) && s.left() == 4);
-    EXPECT_EQ(istr(s.toUpper(3)), "ABCd");
-    EXPECT_EQ(istr(s.toLower()), "abcd");
-    EXPECT_TRUE(!s.isAllDigits() && s.copy("17").isAllDigits());
-    EXPECT_EQ(istr(s.fill('x', 5)), "xxxx");
-    EXPECT_EQ(istr(s.fill('x', 100)), "xxxxxx");
-    EXPECT_EQ(istr(s.fill('y', 0)), "xxxxxx");
+    EXPECT_TRUE(s == "abCd" && s.is("ABCD") && s.isNot("ABC") && s.is("ABC", 3) && s.cmp("ab", 2) == 0);
+    EXPECT_TRUE(s.cmpNoCase(istr("ABCE")) < 0 && s.cmp(istr("abC")) == 1 && s.beginWith("AB", 2, true));
+    EXPECT_TRUE(!s.beginWith("AB", 2) && !s.isEnd(3) && s.isEnd(4) && s.left() == 4 && !s.isAllDigits());
+    EXPECT_TRUE(istr(s.toUpper(3)) == "ABCd" && istr(s.toLower()) == "abcd");
+    EXPECT_TRUE(istr(s.fill('x', 5)) == "xxxx" && istr(s.fill('x', 100)) == "xxxxxx");
     EXPECT_EQ(istr(Str(room, 0).fill('y', 3)), "");
     s.copy("1234567");
     EXPECT_TRUE(s.endWith("7", 2) && !s.endWith("4567", 4)) << "the last places of the room, terminator included";
-    EXPECT_EQ(Str(room, npos).left(), npos);
-    EXPECT_EQ(ostr(s).max_size(), 8u);
 }
 
 TEST(String, TakesEveryText) {
@@ -195,13 +173,9 @@ TEST(String, TakesEveryText) {
     EXPECT_EQ(s, "");
     EXPECT_EQ(String(noText) + String(nullptr), "");
     s = "ab";
-    s += 'c';
-    s += static_cast<unsigned char>('d');
-    s += istr("efg", 1);
-    s += "f"s;
-    s += "g"sv;
-    s += String("h");
-    s += reinterpret_cast<unsigned char const *>("i");
+    (s += 'c') += static_cast<unsigned char>('d');
+    ((s += istr("efg", 1)) += "f"s) += "g"sv;
+    (s += String("h")) += reinterpret_cast<unsigned char const *>("i");
     EXPECT_EQ(s, "abcdefghi");
     s += istr(s).leftstr(2);
     s = istr(s).substr(7);
@@ -210,13 +184,10 @@ TEST(String, TakesEveryText) {
     EXPECT_EQ(s.data()[s.size()], '\0');
     s = istr();
     EXPECT_TRUE(s.empty() && istr(s).size() == 0);
-    EXPECT_EQ(String("abc", 2), "ab");
-    EXPECT_EQ(String(istr("a\0b", 3)).size(), 3u);
-    EXPECT_EQ(&String::null(), &String::null());
-    for (auto const & [text, expected] : std::initializer_list<std::pair<char const *, char const *>>{
-             {"'x'", "x"}, {"'", "'"}, {"'x", "'x"}, {"x'", "x'"}, {"''", ""}, {"", ""}, {"''x''", "'x'"}}) {
-        EXPECT_EQ(String(text).trimLeftRight('\''), expected) << text;
-    }
+    EXPECT_TRUE(String("abc", 2) == "ab" && String(istr("a\0b", 3)).size() == 3);
+    std::string trimmed;
+    for (String text : {"'x'", "'", "'x", "x'", "''", "", "''x''"}) trimmed += text.trimLeftRight('\'') + '|';
+    EXPECT_EQ(trimmed, "x|'|'x|x'|||'x'|");
 }
 
 TEST(Bytes, GrowAsToldAndKeepTheirSize) {
@@ -225,25 +196,17 @@ TEST(Bytes, GrowAsToldAndKeepTheirSize) {
     EXPECT_TRUE(b.max_size() == 3 && b.size() == 3);
     b += "d";
     EXPECT_TRUE(b.max_size() == 8 && b == "abcd" && ostr(b).max_size() == 8);
-    EXPECT_EQ(b.resize(5).max_size(), 8u);
-    EXPECT_EQ(b.resize(9).max_size(), 18u);
+    EXPECT_TRUE(b.resize(5).max_size() == 8 && b.resize(9).max_size() == 18);
     EXPECT_TRUE(b == "abcd" && b.init(1).empty() && b.max_size() == 18);
     b.clear();
     EXPECT_TRUE(b.max_size() == 0 && b.buffer() == nullptr);
     Bytes const five(5);
-    EXPECT_TRUE(five.max_size() == 5 && five.empty());
-    EXPECT_EQ(Bytes(istr("x")).max_size(), 2u);
-    EXPECT_EQ(Bytes(Bytes(istr("x"))).size(), 1u);
-    EXPECT_EQ(Bytes(five).buffer(), nullptr);
-    EXPECT_EQ(Bytes(istr()).max_size(), 0u);
-
+    EXPECT_TRUE(five.max_size() == 5 && five.empty() && Bytes(five).buffer() == nullptr);
+    EXPECT_TRUE(Bytes(istr("x")).max_size() == 2 && Bytes(istr()).max_size() == 0);
     for (ulong const part : {0u, 1u, 3u}) {
         Bytes self("abcd");
-        self.append(istr(self).substr(part, 2));
-        self.append(self);
-        std::string expected = "abcd" + "abcd"s.substr(part, 2);
-        EXPECT_EQ(self, expected + expected);
-        self.assign(istr(self).substr(part));
+        self.append(istr(self).substr(part, 2)).append(self).assign(istr(self).substr(part));
+        std::string const expected = "abcd" + "abcd"s.substr(part, 2);
         EXPECT_EQ(self, (expected + expected).substr(part));
     }
     Bytes c("12");
@@ -265,10 +228,8 @@ TEST(Mem, CopiesWhatFits) {
     EXPECT_EQ(block[4], '#');
     Mem(block, 0).copyZ("x");
     EXPECT_EQ(block[0], 'a');
-    EXPECT_EQ(Mem(block, 3).cmp("abcd"), -1);
-    EXPECT_EQ(Mem(block, 3).cmp("abc"), 0);
-    EXPECT_EQ(Mem(block, 3).cmp("ab"), 1);
-    EXPECT_EQ(Mem(block, 3).cmp("b"), -1);
+    Mem const abc(block, 3);
+    EXPECT_TRUE(abc.cmp("abcd") == -1 && abc.cmp("abc") == 0 && abc.cmp("ab") == 1 && abc.cmp("b") == -1);
     EXPECT_EQ(dumped(m.fill('z')), "4, zzzz");
     EXPECT_EQ(Mem().copy("x").fill(1).size(), 0u);
 }

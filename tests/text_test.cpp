@@ -6,30 +6,17 @@
 #include <cstdio>
 #include <functional>
 #include <limits>
-#include <locale>
 #include <random>
-#include <sstream>
 
-#include "yon/base/bytes.h"
-#include "yon/base/exception.h"
-#include "yon/base/leak_checker.h"
-#include "yon/log/dumper.h"
-#include "yon/string/byte_ref.h"
-#include "yon/string/printf.h"
-#include "yon/string/string_buffer.h"
-#include "yon/string/string_slice.h"
+#include "raise_testing.h"
+#include "yon/yon.h"
 
 namespace yon {
 namespace {
 
 TEST(StringSliceTest, ReadsToTheEndAndNotBeyond) {
     StringSlice s("abc");
-    EXPECT_EQ(*s, 'a');
-    EXPECT_EQ(*s++, 'a');
-    EXPECT_EQ(*++s, 'c');
-    EXPECT_EQ(s.cursor(), 2u);
-    EXPECT_EQ(s.rest(), "c");
-    EXPECT_EQ(s.str(), "abc");
+    EXPECT_TRUE(*s++ == 'a' && *++s == 'c' && s.cursor() == 2 && s.rest() == "c" && s.str() == "abc");
     for (ulong const n : {ulong{2}, npos, npos - 1}) EXPECT_THROW(s.advance(n), OutOfRangeException);
     EXPECT_EQ(s.left(), 1u);
     EXPECT_TRUE(s.advance(1).empty());
@@ -40,20 +27,14 @@ TEST(StringSliceTest, ReadsToTheEndAndNotBeyond) {
         EXPECT_THROW(++end, OutOfRangeException);
         EXPECT_THROW(end++, OutOfRangeException);
     }
-    std::ostringstream os;
-    dumper d(os, true);
-    StringSlice("abc").advance(1).dump(d);
-    EXPECT_EQ(os.str(), "{\"abc\", 1}");
 }
 
 TEST(ByteRefTest, TakesTheWantedBitsOfOneByte) {
     StringSlice s("\xAB\xAB");
     unsigned char byte = 0;
-    EXPECT_EQ(&ByteRef(byte, 0x0F)(s), &s);
+    ByteRef(byte, 0x0F)(s);
     EXPECT_EQ(byte, 0x0B);
-    EXPECT_EQ(s.cursor(), 1u);
     ByteRef(byte, 0xFF)(s);
-    EXPECT_EQ(byte, 0xAB);
     EXPECT_THROW(ByteRef(byte, 0)(s), OutOfRangeException);
     EXPECT_EQ(byte, 0xAB);
 }
@@ -66,38 +47,27 @@ TEST(StringBufferTest, AgreesWithAString) {
         for (auto steps = random() % 60; steps > 0; --steps) {
             char const c = static_cast<char>(random());
             ulong const n = static_cast<ulong>(random() % 70);
-            switch (random() % 8) {
-                case 0:
-                    buffer.append(c), model += c;
-                    break;
-                case 1:
-                    buffer.append(c, n), model.append(n, c);
-                    break;
-                case 2:
-                    buffer.append(static_cast<int>(n)).append(0.1f).append(true), model += std::to_string(n) + "0.11";
-                    break;
-                case 3:
-                    buffer.append(std::string(n, c)), model.append(n, c);
-                    break;
-                case 4:
-                    std::fill_n(buffer.extend(n), n, c), model.append(n, c);
-                    break;
-                case 5: {
-                    ulong const at = static_cast<ulong>(random() % (model.size() + 1));
-                    model += model.substr(at, n);
-                    buffer.append(buffer.str().substr(at, n));
-                    break;
-                }
-                case 6: {
-                    StringBuffer copy(buffer);
-                    copy = static_cast<StringBuffer const &>(copy);
-                    buffer = StringBuffer("moved away"[0] == 'm' ? 3 : 0);
-                    EXPECT_TRUE(buffer.empty());
-                    buffer = copy;
-                    break;
-                }
-                default:
-                    buffer.append(wstring{'w'}).append("text").append(nullptr).append("12", 1), model += "wtext1";
+            auto const action = random() % 7;
+            if (action == 0) {
+                buffer.append(c).append(c, n), model.append(n + 1, c);
+            } else if (action == 1) {
+                buffer.append(static_cast<int>(n)).append(0.1f).append(true), model += std::to_string(n) + "0.11";
+            } else if (action == 2) {
+                buffer.append(std::string(n, c)), model.append(n, c);
+            } else if (action == 3) {
+                std::fill_n(buffer.extend(n), n, c), model.append(n, c);
+            } else if (action == 4) {
+                ulong const at = static_cast<ulong>(random() % (model.size() + 1));
+                model += model.substr(at, n);
+                buffer.append(buffer.str().substr(at, n));
+            } else if (action == 5) {
+                StringBuffer copy(buffer);
+                copy = static_cast<StringBuffer const &>(copy);
+                buffer = StringBuffer(3);
+                EXPECT_TRUE(buffer.empty());
+                buffer = copy;
+            } else {
+                buffer.append(wstring{'w'}).append("text").append(nullptr).append("12", 1), model += "wtext1";
             }
             ASSERT_EQ(buffer.str(), model);
             ASSERT_LE(buffer.size(), buffer.capacity());
@@ -123,12 +93,9 @@ TEST(StringBufferTest, GrowsSeldomAndIsKnownToTheLeakChecker) {
         EXPECT_LE(growths, 20);
         EXPECT_EQ(MemLeakChecker::count(), before + 1);
         EXPECT_THROW(buffer.extend(npos - 5), std::length_error);
-        EXPECT_EQ(buffer.size(), 1000000u);
         StringBuffer other(7);
-        EXPECT_GE(other.capacity(), 7u);
         other.append("other").swap(buffer);
-        EXPECT_EQ(buffer.str(), "other");
-        EXPECT_EQ(other.size(), 1000000u);
+        EXPECT_TRUE(buffer.str() == "other" && other.size() == 1000000);
     }
     EXPECT_EQ(MemLeakChecker::count(), before);
     MemLeakChecker::enable(false);
@@ -188,9 +155,9 @@ TEST(PrintfTest, FormatsAsTheCLibrary) {
             ASSERT_EQ(Printf(format, real), snprintfText(format, real)) << format;
         }
         std::string const text(static_cast<std::size_t>(random() % 30), 't');
-        std::string const s = randomConversion(random, "-", "", 's');
+        std::string const s = randomConversion(random, "-", "", 's'),
+                          c = randomConversion(random, "-", "", 'c', false);
         ASSERT_EQ(Printf(s, text), snprintfText(s, text.c_str())) << s;
-        std::string const c = randomConversion(random, "-", "", 'c', false);
         ASSERT_EQ(Printf(c, static_cast<char>(i)), snprintfText(c, static_cast<char>(i))) << c;
         int const width = static_cast<int>(random() % 40) - 20;
         int const precision = static_cast<int>(random() % 40) - 20;
@@ -208,42 +175,29 @@ TEST(PrintfTest, KnowsTheTypesOfItsArguments) {
     enum Colour : unsigned char { red = 3 };
     wstring const wide{'w', 'i', 'd', 'e'};
     char const * const null = nullptr;
-    struct {
-        String text;
-        char const * expected;
-    } const rows[] = {
-        {Printf("plain 100%%"), "plain 100%"},
-        {Printf(""), ""},
-        {Printf(nullptr), ""},
+    std::pair<String, char const *> const rows[] = {
+        {Printf("plain 100%%") + Printf("") + Printf(nullptr), "plain 100%"},
         {Printf("%s %s %s %s", String("a"), std::string_view("b"), istr("c"), Bytes("d")), "a b c d"},
         {Printf("[%6s][%-6s][%.2ls]", wide, wide.c_str(), iwstr(wide)), "[  wide][wide  ][wi]"},
         {Printf("%s|%6s|%s|%s", null, static_cast<wchar const *>(nullptr), istr(), Bytes()), "<null>|<null>||"},
         {Printf("%d %hhd %lld %I64d", 70000LL, 70000, short(-7), 7u), "70000 70000 -7 7"},
         {Printf("%d %u", 18446744073709551615ull, short(-1)), "18446744073709551615 65535"},
-        {Printf("%d %d %d %x", true, 'A', static_cast<unsigned char>(200), static_cast<signed char>(-1)),
-         "1 65 200 ff"},
-        {Printf("%c%c%c", 'a', 98, static_cast<unsigned char>('c')), "abc"},
+        {Printf("%d %d %d", true, 'A', static_cast<unsigned char>(200)), "1 65 200"},
+        {Printf("%x %c %c", static_cast<signed char>(-1), 98, static_cast<unsigned char>('c')), "ff b c"},
         {Printf("%d %s", red, Printf("%d", Long(-5))), "3 -5"},
         {Printf("%#.0o %#o %#x", 0, 8, 0), "0 010 0"},
         {Printf("%.1f %g", 0.25f, Double(1e100)), "0.2 1e+100"},
         {Printf("%a %A %.1a %a", 1.0, -26.5, 1.09, 0.0), "0x1p+0 -0X1.A8P+4 0x1.1p+0 0x0p+0"},
         {Printf("%08.1f|%-+8.1f|%f", -0.25, 2.5, -std::numeric_limits<double>::infinity()), "-00000.2|+2.5    |-inf"},
-        {Printf("%8p|%-8p|%p", reinterpret_cast<void *>(0xABC), reinterpret_cast<int *>(0x1),
-                static_cast<void *>(nullptr)),
-         "   0xabc|0x1     |0x0"},
+        {Printf("%8p|%-8p", reinterpret_cast<void *>(0xABC), reinterpret_cast<int *>(0x1)), "   0xabc|0x1     "},
+        {Printf("%p", static_cast<void *>(nullptr)), "0x0"},
     };
-    for (auto const & row : rows) EXPECT_EQ(row.text, row.expected);
-    std::ostringstream os;
-    os << Printf("%d", 1);
-    EXPECT_EQ(os.str(), "1");
+    for (auto const & [text, expected] : rows) EXPECT_EQ(text, expected);
     EXPECT_EQ(istr(Printf("%s", std::string("a\0b", 3))).size(), 3u);
 }
 
 TEST(PrintfTest, RefusesWhatDoesNotFit) {
-    struct {
-        std::function<void()> call;
-        char const * message;
-    } const rows[] = {
+    std::pair<std::function<void()>, std::string> const rows[] = {
         {[] { Printf("a %5d b", "text"); }, "\"%5d\" does not take argument 1, which is text"},
         {[] { Printf("%d %s", 1, 2); }, "\"%s\" does not take argument 2, which is an integer"},
         {[] { Printf("%s", 2.5); }, "\"%s\" does not take argument 1, which is a real number"},
@@ -260,21 +214,13 @@ TEST(PrintfTest, RefusesWhatDoesNotFit) {
         {[] { Printf("%.-5d", 1); }, "\"%.-\" is no conversion"},
         {[] { Printf("100%"); }, "\"%\" is no conversion"},
         {[] { Printf("%-5.3ll"); }, "\"%-5.3ll\" is no conversion"},
-        {[] { Printf("%99999999999999999999d", 1); },
-         "\"%99999999999999999999\": this width or precision is too large"},
-        {[] { Printf("%*d", std::numeric_limits<long long>::min(), 1); },
-         "\"%*\": this width or precision is too large"},
-        {[] { Printf("%.*d", std::numeric_limits<unsigned long long>::max(), 1); },
-         "\"%.*\": this width or precision is too large"},
+        {[] { Printf("%9999999999d", 1); }, "\"%9999999999\": this width or precision is too large"},
+        {[] { Printf("%*d", LLONG_MIN, 1); }, "\"%*\": this width or precision is too large"},
+        {[] { Printf("%.*d", ULLONG_MAX, 1); }, "\"%.*\": this width or precision is too large"},
     };
-    for (auto const & row : rows) {
-        try {
-            row.call();
-            ADD_FAILURE() << row.message;
-        } catch (InvalidDataException const & e) {
-            EXPECT_EQ(e.what(), "InvalidDataException: " + std::string(row.message));
-            EXPECT_STREQ(e.func(), "yon::Printf::Printf");
-        }
+    for (auto const & [call, message] : rows) {
+        EXPECT_EQ(raised<InvalidDataException>(call), "InvalidDataException: " + message);
+        EXPECT_TRUE(raisedAt<InvalidDataException>(call).ends_with(" yon::Printf::Printf"));
     }
 }
 

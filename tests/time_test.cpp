@@ -2,14 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cctype>
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
 #include <ctime>
+#include <regex>
 #include <sstream>
-#include <unordered_set>
 
 #include "yon/base/stopwatch.h"
 #include "yon/base/version.h"
@@ -19,64 +17,43 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A zone without daylight saving, whose name both systems understand: five and a half hours before UTC.
-struct ZoneTest : testing::Test {
-    static constexpr longlong offset = (5 * 60 + 30) * 60;
-    static void SetUpTestSuite() {
-        static char zone[] = "TZ=XYZ-5:30";
-        ::putenv(zone);
-        ::tzset();
-    }
-};
-
-struct DateTimeTest : ZoneTest {};
-
-TEST_F(DateTimeTest, ShowsLocalTimeToTheMillisecond) {
-    struct {
-        longlong microseconds;
-        char const * text;
-    } const rows[] = {
-        {0, "1970-01-01 05:30:00.000"},
+/// In a zone without daylight saving, whose name both systems understand: five and a half hours before UTC.
+TEST(DateTimeTest, ShowsLocalTimeToTheMillisecond) {
+    constexpr longlong offset = (5 * 60 + 30) * 60;
+    static char zone[] = "TZ=XYZ-5:30";
+    ::putenv(zone);
+    ::tzset();
+    std::pair<longlong, char const *> const rows[] = {
         {999, "1970-01-01 05:30:00.000"},
         {1000, "1970-01-01 05:30:00.001"},
         {-1, "1970-01-01 05:29:59.999"},
-        {-1000000, "1970-01-01 05:29:59.000"},
         {-offset * 1000000 - 1, "1969-12-31 23:59:59.999"},
         {1253073031250000, "2009-09-16 09:20:31.250"},
-        {2147483648000000, "2038-01-19 08:44:08.000"},
         {4107522599999000, "2100-02-28 23:59:59.999"},
-        {32503680000000000, "3000-01-01 05:30:00.000"},
         {253402300800000000, "10000-01-01 05:30:00.000"},
-        {-62135596800000000, "0001-01-01 05:30:00.000"},
         {-62167219200000000, "0000-01-01 05:30:00.000"},
         {-62198755200000000, "-001-01-01 05:30:00.000"},
         {Time::max().toMicroSeconds(), "294247-01-10 09:30:54.775"},
         {Time::min().toMicroSeconds(), "-290308-12-22 01:29:05.224"},
     };
-    for (auto const & row : rows) {
-        EXPECT_EQ(Time(row.microseconds).toDateTime(), row.text);
+    for (auto const & [microseconds, text] : rows) {
         std::ostringstream os;
-        os << Time(row.microseconds);
-        EXPECT_EQ(os.str(), row.text);
+        os << Time(microseconds);
+        EXPECT_EQ(os.str(), text);
     }
 }
 
 TEST(TimeTest, ShowsIntervals) {
-    struct {
-        Time time;
-        char const * text;
-    } const rows[] = {
-        {Time(), "0:00:00.000"},
+    std::pair<Time, char const *> const rows[] = {
         {Time(1999), "0:00:00.001"},
         {Time(-1999), "-0:00:00.001"},
         {Time::milliSeconds(-1500), "-0:00:01.500"},
-        {Time::seconds(59), "0:00:59.000"},
         {Time::seconds(3599), "0:59:59.000"},
         {25h + 1min + 2s + 3ms, "25:01:02.003"},
         {Time::max(), "2562047788:00:54.775"},
         {Time::min(), "-2562047788:00:54.775"},
     };
-    for (auto const & row : rows) EXPECT_EQ(row.time.toDuration(), row.text);
+    for (auto const & [time, text] : rows) EXPECT_EQ(time.toDuration(), text);
 }
 
 TEST(TimeTest, RoundsDownAndSaturates) {
@@ -117,12 +94,9 @@ TEST(TimeTest, ConvertsFromAndToTheStandardClocks) {
     EXPECT_EQ(Time(system_clock::time_point(Time(-77))), Time(-77));
     EXPECT_EQ(system_clock::time_point(Time::max()), system_clock::time_point::max());
     EXPECT_EQ(system_clock::time_point(Time::min()), system_clock::time_point::min());
-    Time const before = Time(system_clock::now());
-    Time const now = Time::now();
     // The two may tick at different steps.
-    EXPECT_LT(before - now, Time(100ms));
-    EXPECT_LT(now - before, Time(10s));
-    EXPECT_EQ((std::unordered_set<Time>{Time(1), Time(2), Time(1)}).size(), 2u);
+    Time const behind = Time::now() - Time(system_clock::now());
+    EXPECT_TRUE(behind > Time(-10s) && behind < Time(100ms));
 }
 
 Time waitForTick(TimeCounter const & counter) {
@@ -135,11 +109,8 @@ Time waitForTick(TimeCounter const & counter) {
 TEST(StopwatchTest, AddsUpItsLaps) {
     Stopwatch watch;
     TimeCounter const outside;
-    EXPECT_EQ(watch.stop(), Time());
-    EXPECT_TRUE(watch.laps().empty() && !watch.running() && watch.total() == Time());
-
     TimeCounter inside;
-    EXPECT_EQ(watch.lap(), Time());
+    EXPECT_TRUE(watch.stop() == Time() && watch.lap() == Time());
     waitForTick(inside);
     watch.start();  // runs already
     inside.start();
@@ -155,7 +126,6 @@ TEST(StopwatchTest, AddsUpItsLaps) {
     EXPECT_LE(watch.total(), outside.elapsed());
 
     watch.start();
-    EXPECT_EQ(watch.laps().size(), 2u);
     watch.reset();
     EXPECT_TRUE(watch.laps().empty() && !watch.running() && watch.total() == Time());
 }
@@ -163,26 +133,14 @@ TEST(StopwatchTest, AddsUpItsLaps) {
 TEST(VersionTest, NamesVersionTimesAndOptions) {
     std::ostringstream os;
     os << show_version{};
-    // What changes with the day of the build or of the test gives way to zeros.
-    std::string text = os.str();
-    for (std::string const before : {", built ", "Compile time = "}) {
-        auto const at = text.find(before) + before.size();
-        ASSERT_LT(at, text.size());
-        EXPECT_TRUE(std::isupper(text[at]) && std::islower(text[at + 1]) && std::islower(text[at + 2])) << text;
-        text.replace(at, 6, "Mmm 00");
-    }
-    for (char & c : text) {
-        if (std::isdigit(static_cast<unsigned char>(c))) c = '0';
-    }
-    auto const body = text.find("\n\n");
-    ASSERT_NE(body, text.npos);
-    EXPECT_EQ(text.substr(0, text.find('\n')), "zuvyon 0.0.0-00, built Mmm 00 0000");
-    EXPECT_EQ(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(body), '\n'), 2);
-    EXPECT_EQ(text.substr(body),
-              "\n\nCurrent time = 0000-00-00 00:00:00.000\nCompile time = Mmm 00 0000 00:00:00\nCompile options:\n"
-              "\tWIN00\n\tNDEBUG\n\t_YON_UNIT_TEST OFF\n\t_YON_DEBUG OFF\n\t_YON_TRACE OFF\n\t_YON_TRACE_LOG OFF\n"
-              "\t_YON_MEMLEAKCHECK OFF\n\t_YON_ASSERT OFF\n\t_YON_ASSERT_ABORT OFF\n\t_YON_BREAK_ON_EXCEPTION OFF\n"
-              "\t_YON_THROW_REALLY = 0\n");
+    std::string const day = "[A-Z][a-z]{2} [ 0-9][0-9] [0-9]{4}", time = "[0-9]{2}:[0-9]{2}:[0-9]{2}";
+    std::regex const expected(
+        "zuvyon [0-9.]+-[0-9]{2}, built " + day + "\n[^\n]+\n[^\n]*\n?\nCurrent time = [0-9]{4}-[0-9]{2}-[0-9]{2} " +
+        time + "[.][0-9]{3}\nCompile time = " + day + " " + time +
+        "\nCompile options:\n\tWIN32\n\tNDEBUG\n\t_YON_UNIT_TEST OFF\n\t_YON_DEBUG OFF\n\t_YON_TRACE OFF\n"
+        "\t_YON_TRACE_LOG OFF\n\t_YON_MEMLEAKCHECK OFF\n\t_YON_ASSERT OFF\n\t_YON_ASSERT_ABORT OFF\n"
+        "\t_YON_BREAK_ON_EXCEPTION OFF\n\t_YON_THROW_REALLY = [0-9]\n");
+    EXPECT_TRUE(std::regex_match(os.str(), expected)) << os.str();
 }
 
 }  // namespace

@@ -27,9 +27,7 @@ template <class T>
 concept PlainNumber = BuiltinScalar<T> && std::integral<T>;
 
 template <class T>
-concept PlainText = std::same_as < std::decay_t<T>,
-char const * > || std::same_as<std::decay_t<T>, char *> || std::same_as<T, istr> || std::same_as<T, String> ||
-    std::same_as<T, std::string> || std::same_as<T, std::string_view>;
+concept PlainText = !NoneOf<std::decay_t<T>, char const *, char *, istr, String, std::string, std::string_view>;
 
 /// The stream of a message. Whole numbers, characters and plain texts, most of what messages consist of, go straight
 /// to its buffer while its format and locale are the usual ones; everything else finds a stream like any other.
@@ -39,9 +37,9 @@ public:
     ~MessageStream() override;
 
     /// Append as the stream would; false, with nothing appended, where format, locale or state ask for more.
-    bool put(istr text) noexcept;
-    bool put(longlong n) noexcept;
-    bool put(ulonglong n) noexcept;
+    bool put(istr text);
+    bool put(longlong n);
+    bool put(ulonglong n);
 
     template <PlainNumber T>
     friend MessageStream & operator<<(MessageStream & s, T value) {
@@ -70,7 +68,7 @@ public:
 private:
     MessageBuffer * usual() noexcept;
     template <class Write>
-    bool putUsual(std::size_t most, Write write) noexcept;
+    bool putUsual(std::size_t most, Write write);
 
     std::unique_ptr<MessageBuffer> buffer_;
 };

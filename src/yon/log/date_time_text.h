@@ -10,21 +10,24 @@ class DateTimeText {
 public:
     /// Valid until the next call.
     istr at(Time moment) {
-        longlong const second = moment.toSeconds();
-        if (second != second_ || text_.empty()) {
+        auto const us = static_cast<ulonglong>(moment.toMicroSeconds());
+        if (us - second_ >= inSecond || text_.empty()) {
             text_ = moment.toDateTime();
-            second_ = second;
+            second_ = static_cast<ulonglong>(moment.toSeconds()) * inSecond;
         } else {
-            longlong ms = moment.toMilliSeconds() - second * 1000;
-            for (auto digit = text_.rbegin(); digit != text_.rbegin() + 3; ++digit, ms /= 10) {
-                *digit = static_cast<char>('0' + ms % 10);
-            }
+            unsigned const ms = static_cast<unsigned>(us - second_) / 1000;
+            char * const digits = text_.data() + text_.size() - 3;
+            digits[0] = static_cast<char>('0' + ms / 100);
+            digits[1] = static_cast<char>('0' + ms / 10 % 10);
+            digits[2] = static_cast<char>('0' + ms % 10);
         }
         return text_;
     }
 
 private:
-    longlong second_ = 0;
+    static constexpr ulonglong inSecond = 1'000'000;
+
+    ulonglong second_ = 0;  ///< its first microsecond, modulo 2^64
     String text_;
 };
 

@@ -88,7 +88,7 @@ MessageBuffer * MessageStream::usual() noexcept {
 /// Lets `write(p)` write at most `most` characters from `p` on, and return their end. As with any stream, what finds
 /// no memory is not in the message.
 template <class Write>
-bool MessageStream::putUsual(std::size_t most, Write write) noexcept {
+bool MessageStream::putUsual(std::size_t most, Write write) {
     MessageBuffer * const buffer = usual();
     if (buffer == nullptr) return false;
     try {
@@ -99,15 +99,15 @@ bool MessageStream::putUsual(std::size_t most, Write write) noexcept {
     return true;
 }
 
-bool MessageStream::put(istr text) noexcept {
+bool MessageStream::put(istr text) {
     return putUsual(text.size(), [&](char * p) { return std::copy_n(text.data(), text.size(), p); });
 }
 
-bool MessageStream::put(longlong n) noexcept {
+bool MessageStream::put(longlong n) {
     return putUsual(digitsOfNumber, [&](char * p) { return std::to_chars(p, p + digitsOfNumber, n).ptr; });
 }
 
-bool MessageStream::put(ulonglong n) noexcept {
+bool MessageStream::put(ulonglong n) {
     return putUsual(digitsOfNumber, [&](char * p) { return std::to_chars(p, p + digitsOfNumber, n).ptr; });
 }
 

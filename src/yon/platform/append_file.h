@@ -51,6 +51,7 @@ private:
     unsigned changes_ = 0;
     longlong checked_ = 0;
     longlong measured_ = 0;
+    ulonglong writes_ = 0;
 };
 
 /// Moves a file, and replaces one that has the new name. Between volumes it copies.

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
@@ -20,6 +21,10 @@ namespace {
 constexpr mode_t permissions = 0666;
 
 constexpr longlong second = 1'000'000'000;
+constexpr longlong never = 0;
+
+/// Of all files of the process.
+constinit std::atomic<ulonglong> writes{0};
 
 /// In nanoseconds; moves on by some milliseconds at a time.
 longlong roughTime() noexcept {
@@ -54,6 +59,7 @@ bool AppendFile::isStill(char const * name, longlong now) noexcept {
     if (watch_ >= 0 && changes == changes_ && now - checked_ < second) return true;
     changes_ = changes;
     checked_ = now;
+    measured_ = never;
     watch_ = FileWatch::add(name);
     FileStatus status;
     return status.get(AT_FDCWD, name, 0) == 0 && status.volume() == volume_ && status.file() == file_;
@@ -70,10 +76,15 @@ int AppendFile::open(char const * name) noexcept {
         volume_ = status.volume();
         file_ = status.file();
         isRegular_ = status.isRegular();
-        measured_ = 0;
+        measured_ = never;
     }
-    // Between two ticks of the clock only what is written here counts.
-    if (now != std::exchange(measured_, now)) measure(SEEK_END);
+    // The size is what it was, and what was written here since, if nobody else in this process has written anything,
+    // nobody has opened the file, and the clock has not moved on.
+    if (now != measured_ || writes_ != writes.load(std::memory_order_acquire)) {
+        measured_ = now;
+        writes_ = writes.load(std::memory_order_acquire);
+        measure(SEEK_END);
+    }
     return 0;
 }
 
@@ -90,6 +101,7 @@ int AppendFile::write(char const * data, std::size_t size) noexcept {
         if (n < 0 && errno == EINTR) continue;
         if (n < 0) {
             int const error = errno;
+            writes.fetch_add(1, std::memory_order_acq_rel);
             measure(done != 0 ? SEEK_CUR : SEEK_END);
             start_ = size_ - std::min<ulonglong>(done, size_);
             return error;
@@ -97,6 +109,8 @@ int AppendFile::write(char const * data, std::size_t size) noexcept {
         done += static_cast<std::size_t>(n);
         size_ += static_cast<std::size_t>(n);
     }
+    // Another one's write in between leaves its mark.
+    if (writes.fetch_add(1, std::memory_order_acq_rel) == writes_) ++writes_;
     return 0;
 }
 

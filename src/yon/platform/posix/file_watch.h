@@ -1,4 +1,4 @@
-// Watching of files that are moved or removed by others.
+// Watching of files that are moved, removed or opened by others.
 #pragma once
 
 namespace yon::platform {
