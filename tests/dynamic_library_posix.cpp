@@ -7,3 +7,4 @@ ModuleFunction functionOf(void * module, char const * name) {
     return reinterpret_cast<ModuleFunction>(::dlsym(module, name));
 }
 void unloadModule(void * module) { ::dlclose(module); }
+std::size_t freeThreadPlaces() { return 0; }

@@ -5,6 +5,7 @@
 #include "dynamic_library.h"
 
 int main(int argc, char ** argv) {
+    std::size_t const places = freeThreadPlaces();
     for (int left = argc == 4 ? std::atoi(argv[3]) : 0; left > 0; --left) {
         void * const module = loadModule(argv[1]);
         if (module == nullptr) return 1;
@@ -13,4 +14,5 @@ int main(int argc, char ** argv) {
         std::thread(log, argv[2]).join();
         unloadModule(module);
     }
+    return freeThreadPlaces() + 10 > places ? 0 : 2;
 }

@@ -47,6 +47,7 @@
 #include "yon/log/record.h"
 #include "yon/log/tracer.h"
 #include "yon/mt/cond.h"
+#include "yon/mt/creation_lock.h"
 #include "yon/mt/handle.h"
 #include "yon/mt/handle_wrapper.h"
 #include "yon/mt/lock.h"

@@ -24,7 +24,8 @@ void addHex(std::ostream & out, Token const & token, std::size_t depth) {
     std::string line;
     auto const dataOffset = token.offset + 1 + (token.head & 0x0Fu);
     for (yon::ulong at = 0; at < token.data.size(); at += width) {
-        begin(line, dataOffset + at, depth + 2);
+        begin(line, dataOffset + at, depth);
+        line += "    ";
         for (char const c : token.data.substr(at, width)) {
             char pair[4];
             std::snprintf(pair, sizeof pair, "%02X ", static_cast<unsigned>(static_cast<unsigned char>(c)));

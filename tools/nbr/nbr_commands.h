@@ -27,7 +27,6 @@ Source readBytes(std::string const & file, Console & console);
 template <class Work>
 void forEachToken(Source const & source, Work work) {
     yon::nbr::Scanner scanner{istr(source.text)};
-    if (source.text.empty()) throw BadInput(source.name + ":0: there is no value");
     for (;;) {
         Token const token = scanner.next();
         if (token.what == Token::done) return;

@@ -19,17 +19,17 @@ struct ThreadEntry;
 /// A thread as it stood at one moment.
 struct KnownThread {
     ThreadId id;
-    String identity;         ///< "{process.thread}" for threads of the library, "<process.thread>" for others
-    String name;             ///< empty for others
+    String identity;  ///< "{process.thread}" for threads of the library, "<process.thread>" for others
+    String name;      ///< empty for others
     bool ofLibrary = false;
-    bool living = true;      ///< false once a library thread has been told to end
+    bool living = true;  ///< false once a library thread has been told to end
 };
 
 /// Knows the threads that run: those that the library has started from their begin to their end, others from their
 /// first look-up until they end. One object for the process, made on first use. Callable from any thread.
 class YON_API ThreadFactory : private noncopyable {
 public:
-    ThreadFactory();
+    ThreadFactory() = default;
 
     static ThreadFactory * instance();
 

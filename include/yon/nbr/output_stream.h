@@ -16,7 +16,8 @@
 namespace yon::nbr {
 
 /// Appends values to a buffer of its own. Items are those of `BinaryOutStream`, with the same widths and exceptions,
-/// but text is marked as such: `String`, standard strings, text pointers and wide text; not `istr` and `Bytes`.
+/// but text is marked as such: `String`, standard strings, text pointers and wide text; not `istr` and `Bytes`. What
+/// cannot be written leaves nothing behind. A part of this stream's own buffer has to be copied before it is written.
 ///
 /// Within a complex value each value is an element: it has the tag that was set right before it, or none. What is
 /// written while all complex values are closed is a sequence of values. Writing allocates only where the buffer
@@ -26,7 +27,11 @@ public:
     template <yon::detail::BuiltinScalar T>
     OutputStream & operator<<(T value) {
         ulonglong const bits = yon::detail::BinaryField<T>::bits(value);
-        if (open_ != 0) writeTag();
+        if (open_ != 0) {
+            // A tag never stands alone, not even when the memory is used up.
+            items_.buffer().prepare(1 + items_.integerRoom);
+            writeTag();
+        }
         items_.integer(bits, yon::detail::BinaryField<T>::width);
         return *this;
     }

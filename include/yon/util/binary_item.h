@@ -13,10 +13,12 @@ public:
     StringBuffer & buffer() noexcept { return buffer_; }
     StringBuffer const & buffer() const noexcept { return buffer_; }
 
+    /// The room that an integer asks for.
+    static constexpr ulong integerRoom = 2 + sizeof(ulonglong);
     void integer(ulonglong bits, unsigned width) {
         unsigned const size = integerSize(bits, width);
         // All eight bytes, of which those beyond the size are overwritten next.
-        char * const p = buffer_.prepare(2 + sizeof bits);
+        char * const p = buffer_.prepare(integerRoom);
         p[0] = 1;
         p[1] = static_cast<char>(size);
         store64(p + 2, bits);

@@ -1,5 +1,7 @@
 #include "yon/base/string.h"
 
+#include "yon/base/made_once.h"
+
 namespace yon {
 
 String & String::trimLeftRight(char c) {
@@ -11,9 +13,8 @@ String & String::trimLeftRight(char c) {
 }
 
 String const & String::null() noexcept {
-    // Never destroyed, so that a static destructor may still ask for it.
-    static String const & empty = *new String;
-    return empty;
+    static constinit MadeOnce<String> empty;
+    return empty.get();
 }
 
 }  // namespace yon

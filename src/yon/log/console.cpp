@@ -196,14 +196,18 @@ void ConsoleImpl::becomeChild() noexcept {
 
 namespace {
 
+/// The console that a fork has found.
+constinit ConsoleImpl * held = nullptr;
+
 void beforeFork() noexcept {
-    if (ConsoleImpl * const c = ConsoleImpl::existing()) c->lock();
+    held = ConsoleImpl::existing();
+    if (held != nullptr) held->lock();
 }
 void inParent() noexcept {
-    if (ConsoleImpl * const c = ConsoleImpl::existing()) c->unlock();
+    if (held != nullptr) held->unlock();
 }
 void inChild() noexcept {
-    if (ConsoleImpl * const c = ConsoleImpl::existing()) c->becomeChild();
+    if (held != nullptr) held->becomeChild();
 }
 [[maybe_unused]] bool const survivesFork =
     (platform::onFork(platform::ForkLayer::log, beforeFork, inParent, inChild), true);

@@ -30,11 +30,15 @@ CallStacks & callStacks() {
     return *stacks;
 }
 
+/// The map that a fork has found.
+constinit CallStacks const * held = nullptr;
+
 void lockStacks() noexcept {
-    if (CallStacks const * const stacks = existingStacks.load(std::memory_order_acquire)) stacks->lock();
+    held = existingStacks.load(std::memory_order_acquire);
+    if (held != nullptr) held->lock();
 }
 void unlockStacks() noexcept {
-    if (CallStacks const * const stacks = existingStacks.load(std::memory_order_acquire)) stacks->unlock();
+    if (held != nullptr) held->unlock();
 }
 void becomeChild() noexcept {
     unlockStacks();

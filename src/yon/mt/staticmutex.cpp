@@ -2,6 +2,7 @@
 
 #include "yon/base/leak_checker.h"
 #include "yon/mt/lock.h"
+#include "yon/platform/fork.h"
 
 namespace yon {
 
@@ -32,6 +33,9 @@ public:
         mutex.store(&section->mutex, std::memory_order_release);
     }
 
+    void lock() const noexcept YON_ACQUIRE(mutex_) { mutex_.lock(); }
+    void unlock() const noexcept YON_RELEASE(mutex_) { mutex_.unlock(); }
+
 private:
     RecMutex mutex_;
     Section * first_ = nullptr;
@@ -39,6 +43,11 @@ private:
 };
 
 constinit Init init;
+
+void beforeFork() noexcept YON_NO_THREAD_SAFETY_ANALYSIS { init.lock(); }
+void afterFork() noexcept YON_NO_THREAD_SAFETY_ANALYSIS { init.unlock(); }
+[[maybe_unused]] bool const survivesFork =
+    (platform::onFork(platform::ForkLayer::data, beforeFork, afterFork, afterFork), true);
 
 }  // namespace
 

@@ -31,6 +31,8 @@ void afterForkInChild() noexcept {
     detail::generation.fetch_add(1, std::memory_order_relaxed);
     factoryLock.unlock();
 }
+[[maybe_unused]] bool const survivesFork =
+    (platform::onFork(platform::ForkLayer::mt, beforeFork, afterForkInParent, afterForkInChild), true);
 
 void endEntry(void * value) {
     ThreadEntry * const entry = static_cast<ThreadEntry *>(value);
@@ -99,12 +101,6 @@ dumper & ThreadInfo::dump(dumper & d) const {
 }
 
 // --- the factory ---
-
-ThreadFactory::ThreadFactory() {
-    static bool const watchesForks =
-        (platform::onFork(platform::ForkLayer::mt, beforeFork, afterForkInParent, afterForkInChild), true);
-    static_cast<void>(watchesForks);
-}
 
 ThreadFactory & ThreadFactory::made_i() {
     ThreadFactory & factory =

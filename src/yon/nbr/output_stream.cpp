@@ -67,8 +67,9 @@ OutputStream & OutputStream::tag(unsigned n) {
 }
 
 OutputStream & OutputStream::writeRaw(istr bytes) {
-    if (tag_ != unset) writeTag();
-    items_.buffer().append(bytes);
+    auto const write = [&](int) { items_.buffer().append(bytes); };
+    if (tag_ != unset) return writeElement(write);
+    write(unset);
     return *this;
 }
 

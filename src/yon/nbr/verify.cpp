@@ -26,6 +26,7 @@ Token Scanner::next() {
         tag = static_cast<unsigned char>(bytes_[at_++]);
         if (left() == 0) return fault(start, "this tag has no value");
     }
+    if (bytes_.empty()) return fault(start, "there is no value");
     if (left() == 0) return {Token::done, start, -1, 0, istr(), nullptr};
     if (!atMarker('(')) return item(tag);
     open_.push_back(at_);
@@ -56,7 +57,6 @@ Token Scanner::item(int tag) {
 
 std::optional<Defect> verify(istr bytes) {
     Scanner scanner(bytes);
-    if (bytes.empty()) return Defect{0, "there is no value"};
     for (;;) {
         Token const token = scanner.next();
         if (token.what == Token::done) return std::nullopt;

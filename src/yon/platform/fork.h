@@ -12,7 +12,8 @@ using ForkHook = void (*)() noexcept;
 /// Registers hooks for the life of the process, usually by a static initialiser of the file that owns the locks:
 /// `prepare` takes them in the thread that forks, from the top layer down; `parent` and `child` give them back, from
 /// the bottom layer up. The child has the forking thread only. Hooks may be null; one layer's are called in the order
-/// of registration. `child` must not allocate. No-op where processes do not fork. REQUIRES: at most 16 calls.
+/// of registration. One fork at a time calls hooks, and `parent` or `child` follow only what has prepared. `child`
+/// must not allocate. No-op where processes do not fork. REQUIRES: at most 16 calls.
 void onFork(ForkLayer layer, ForkHook prepare, ForkHook parent, ForkHook child) noexcept;
 
 }  // namespace yon::platform

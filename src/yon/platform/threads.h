@@ -57,8 +57,8 @@ inline void * slot(Slot s) noexcept { return slots.value[static_cast<int>(s)]; }
 #endif
 
 /// Sets it; false when the memory is used up. When the thread ends, values other than null are taken out of their
-/// slots and given to their `end`, which may set slots again. Not called when the process ends or the library is
-/// unloaded before.
+/// slots and given to their `end`, which may set slots again. Not called when the process ends before, nor for other
+/// threads than the one that unloads the library.
 ///
 /// Destructors of thread-local objects cannot do this everywhere: where the compiler emulates thread-local storage,
 /// the storage is released before they run.

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "yon/base/diagnostics.h"
+#include "yon/base/made_once.h"
 #include "yon/pml/ntv_access.h"
 #include "yon/pml/type_words.h"
 
@@ -72,9 +73,8 @@ Unit::~Unit() {
 }
 
 Unit const & Unit::null() noexcept {
-    // Never destroyed, so that a static destructor may still ask for it.
-    static Unit const & shared = *new Unit;
-    return shared;
+    static constinit MadeOnce<Unit> shared;
+    return shared.get();
 }
 
 void Unit::clear() noexcept {

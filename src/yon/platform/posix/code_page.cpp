@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "yon/platform/platform.h"
+#include "yon/platform/posix/libc_lock.h"
 
 namespace yon::platform {
 
@@ -17,10 +18,14 @@ char const * codePage() noexcept { return ::nl_langinfo(CODESET); }
 
 class Converter {
 public:
-    Converter(char const * to, char const * from) noexcept : handle_(::iconv_open(to, from)) {}
+    Converter(char const * to, char const * from) noexcept {
+        LibcLock const lock;
+        handle_ = ::iconv_open(to, from);
+    }
     Converter(Converter const &) = delete;
     Converter & operator=(Converter const &) = delete;
     ~Converter() {
+        LibcLock const lock;
         if (valid()) ::iconv_close(handle_);
     }
     bool valid() const noexcept { return handle_ != reinterpret_cast<iconv_t>(-1); }

@@ -50,6 +50,7 @@ void forgetQueue() noexcept {
     queue.exchange(Queue{}).close();
     counter.fetch_add(1);
 }
+[[maybe_unused]] bool const survivesFork = (onFork(ForkLayer::base, nullptr, nullptr, forgetQueue), true);
 
 Queue theQueue() noexcept {
     Queue known = queue.load(std::memory_order_acquire);
@@ -60,8 +61,6 @@ Queue theQueue() noexcept {
         made.close();
         return known;
     }
-    static constinit std::atomic<bool> watchesForks{false};
-    if (!watchesForks.exchange(true)) onFork(ForkLayer::base, nullptr, nullptr, forgetQueue);
     return made;
 }
 

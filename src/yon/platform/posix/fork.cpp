@@ -4,7 +4,10 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
+
+#include "yon/platform/locks.h"
 
 namespace yon::platform {
 
@@ -16,6 +19,7 @@ struct Hooks {
     ForkHook prepare = nullptr;
     ForkHook parent = nullptr;
     ForkHook child = nullptr;
+    bool prepared = false;  ///< by the fork under way
 };
 
 constexpr std::size_t capacity = 16;
@@ -23,21 +27,30 @@ constinit Hooks table[capacity];
 constinit std::atomic<std::size_t> taken{0};
 constinit std::atomic<bool> watching{false};
 
-void callAll(ForkLayer layer, ForkHook Hooks::*which) noexcept {
-    for (Hooks const & h : table) {
-        if (!h.ready.load(std::memory_order_acquire) || h.layer != layer) continue;
-        if (ForkHook const hook = h.*which; hook != nullptr) hook();
+/// Held from the first hook of a fork to its last: processes fork one at a time.
+constinit std::uintptr_t forking = 0;
+
+void prepareAll() {
+    lockWord(forking);
+    for (int layer = static_cast<int>(ForkLayer::log); layer <= static_cast<int>(ForkLayer::base); ++layer) {
+        for (Hooks & h : table) {
+            if (!h.ready.load(std::memory_order_acquire) || static_cast<int>(h.layer) != layer) continue;
+            if (h.prepare != nullptr) h.prepare();
+            h.prepared = true;
+        }
     }
 }
 
-void prepareAll() {
-    for (int layer = static_cast<int>(ForkLayer::log); layer <= static_cast<int>(ForkLayer::base); ++layer)
-        callAll(static_cast<ForkLayer>(layer), &Hooks::prepare);
-}
-
+/// Hooks that were registered since have prepared nothing.
 void resumeAll(ForkHook Hooks::*which) noexcept {
-    for (int layer = static_cast<int>(ForkLayer::base); layer >= static_cast<int>(ForkLayer::log); --layer)
-        callAll(static_cast<ForkLayer>(layer), which);
+    for (int layer = static_cast<int>(ForkLayer::base); layer >= static_cast<int>(ForkLayer::log); --layer) {
+        for (Hooks & h : table) {
+            if (!h.prepared || static_cast<int>(h.layer) != layer) continue;
+            h.prepared = false;
+            if (ForkHook const hook = h.*which; hook != nullptr) hook();
+        }
+    }
+    unlockWord(forking);
 }
 
 void resumeParent() { resumeAll(&Hooks::parent); }

@@ -1,5 +1,7 @@
 #include <pthread.h>
 
+#include <atomic>
+
 #include "yon/platform/threads.h"
 
 namespace yon::platform {
@@ -16,18 +18,26 @@ void endThread(void *) noexcept {
     }
 }
 
-pthread_key_t makeKey(bool & made) noexcept {
-    pthread_key_t key{};
-    made = ::pthread_key_create(&key, endThread) == 0;
-    return key;
+constexpr unsigned none = ~0U;
+static_assert(sizeof(pthread_key_t) == sizeof(unsigned));
+std::atomic<unsigned> endKey{none};
+
+/// Made without a lock, which a forked child might find held.
+unsigned makeKey() noexcept {
+    pthread_key_t mine{};
+    if (::pthread_key_create(&mine, endThread) != 0) return none;
+    unsigned first = none;
+    if (endKey.compare_exchange_strong(first, mine)) return mine;
+    ::pthread_key_delete(mine);
+    return first;
 }
 
 /// Makes sure that `endThread` runs when this thread ends. It comes after the destructors of C++, and again when
 /// slots were set while it ran.
 bool watchThread() noexcept {
-    static bool made = false;
-    static pthread_key_t const key = makeKey(made);
-    return made && ::pthread_setspecific(key, &slots) == 0;
+    unsigned key = endKey.load();
+    if (key == none) key = makeKey();
+    return key != none && ::pthread_setspecific(key, &slots) == 0;
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdlib>
 
+#include "yon/platform/process_end.h"
 #include "yon/platform/threads.h"
 
 namespace yon::platform {
@@ -44,9 +45,27 @@ void endThread() noexcept {
     std::free(slots);
 }
 
+/// The library goes, and perhaps the process with it.
+std::atomic<bool> detached{false};
+
 void WINAPI watchThreads(PVOID, DWORD reason, PVOID) {
     if (reason == DLL_THREAD_DETACH) endThread();
+    if (reason == DLL_PROCESS_DETACH) detached = true;
 }
+
+/// A process has about a thousand places, and may load and unload the library more often than that.
+class PlaceOwner {
+public:
+    PlaceOwner() noexcept {}
+    ~PlaceOwner() {
+        if (!detached || othersAreGone()) return;
+        endThread();
+        if (DWORD const index = place.exchange(TLS_OUT_OF_INDEXES); index != TLS_OUT_OF_INDEXES) TlsFree(index);
+    }
+};
+
+// The first static object of the library, and so the last one to go.
+__attribute__((init_priority(101))) PlaceOwner placeOwner;
 
 }  // namespace
 
