@@ -1,5 +1,6 @@
 // Ends in the way that its last argument names: for the tests of reports on crashes and leaks. Before that: "bare"
-// ends without a crash report, "earlier" has handlers of its own, "nolog" has no log file.
+// ends without a crash report, "earlier" has handlers of its own, "nolog" has no log file, "unnamed" gives the report
+// no name and has the log file in a directory.
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -137,7 +138,7 @@ int main(int argc, char ** argv) {
     say("");
     YON_TRACE(log());
     std::string const before = argc > 2 ? argv[1] : "";
-    if (before != "nolog") log().filename("child.log");
+    if (before != "nolog") log().filename(before == "unnamed" ? "logs/child.log" : "child.log");
     log().write("cached\n");
     if (before == "earlier") {
         std::signal(SIGSEGV, [](int) { say("earlier signal\n"); });
@@ -145,6 +146,6 @@ int main(int argc, char ** argv) {
     }
     yon::CrashReport::onCrash([](void * text) noexcept { say(static_cast<char const *>(text)); },
                               const_cast<char *>("hook\n"));
-    if (before != "bare" && !yon::CrashReport::install("report.pml")) return 99;
+    if (before != "bare" && !yon::CrashReport::install(before == "unnamed" ? "" : "report.pml")) return 99;
     end(argv[argc - 1]);
 }

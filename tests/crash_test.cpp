@@ -135,6 +135,19 @@ TEST_F(Crash, LeavesOldReportsUntilThereIsANewOne) {
     EXPECT_TRUE(contentOf("report.pml").ends_with("\n)\n"));
 }
 
+TEST_F(Crash, ReportsWithoutANameStandBesideTheLog) {
+    run("none");
+    fs::create_directory("logs");
+    runAgain("unnamed write");
+    std::vector<std::string> reports;
+    for (auto const & entry : fs::directory_iterator("logs")) {
+        if (entry.path().extension() == ".pml") reports.push_back(entry.path().filename().string());
+    }
+    ASSERT_EQ(reports.size(), 1u);
+    EXPECT_TRUE(reports[0].starts_with("crash_child.")) << reports[0];
+    EXPECT_TRUE(reports[0].ends_with(".crash.pml")) << reports[0];
+}
+
 TEST_F(Crash, LeaksAreReportedAtExit) {
     for (bool const toFile : {true, false}) {
         EXPECT_EQ(run(toFile ? "leak" : "nolog leak"), 0);

@@ -42,7 +42,7 @@ int useEverything() {
         std::ostringstream() << e;
     }
     SimpleThread::current();
-    return 0;
+    return Time::now().toDateTime().empty() ? 1 : 0;
 }
 
 TEST(Fork, TheChildFindsEveryLockFree) {

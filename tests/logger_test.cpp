@@ -213,6 +213,14 @@ TEST_F(Logger, ReadsItsConfiguration) {
     EXPECT_TRUE(loud.debugOn() && loud.traceOn());
     EXPECT_FALSE(mute.debugOn() || mute.dataLogOn() || mute.debugLogOn() || mute.useLogfile() ||
                  mute.useDebugLogfile());
+    // What is out stays out while the file is read again.
+    std::atomic<bool> read{false};
+    std::thread reader([&] {
+        for (int i = 0; i < 200; ++i) mute.reload(config);
+        read = true;
+    });
+    while (!read) EXPECT_FALSE(mute.dataLogOn() || mute.useLogfile());
+    reader.join();
     writeFile(config, "p2p(log(debugOn(1)))");
     mute.reload(config);  // is what it was
     EXPECT_TRUE(mute.debugOn() && mute.dataLogOn() && mute.useLogfile() && !mute.traceOn());

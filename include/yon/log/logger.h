@@ -159,7 +159,7 @@ private:
     bool ready() const noexcept;
     void awaitInit() const noexcept;
     void take(ConfigFile & file);
-    void enable(bool b);
+    void enable(bool b, pml::stream & settings);
 
     std::atomic<bool> debugOn_{false};
     std::atomic<bool> traceOn_{false};

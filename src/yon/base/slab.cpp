@@ -1,13 +1,12 @@
 #include "yon/base/slab.h"
 
+#include <memory>
+
 #include "yon/base/pooled.h"
 #include "yon/base/spin_lock.h"
 #include "yon/platform/fork.h"
-#include "yon/platform/thread_end.h"
 
 namespace yon {
-
-thread_local constinit Slab * Slab::local_ = nullptr;
 
 /// What no thread holds: magazines of each size, and rests of chunks. Constant-initialised and never destroyed, so
 /// that trees may be built and destroyed in static constructors and destructors.
@@ -73,18 +72,15 @@ struct Slab::Depot {
 bool const Slab::Depot::survivesFork = (platform::onFork(platform::ForkLayer::data, lock, unlock, unlock), true);
 
 /// The thread's lists, which go at its end. A node that is destroyed later yet in that thread makes new ones.
-Slab & Slab::make() noexcept {
-    auto * const own = new Slab;
-    local_ = own;
-    platform::atThreadEnd(threadEnds, own);
-    return *own;
+Slab & Slab::make() {
+    auto own = std::make_unique<Slab>();
+    if (!platform::setSlot(platform::Slot::pool, own.get(), threadEnds)) throw std::bad_alloc();
+    return *own.release();
 }
 
 void Slab::threadEnds(void * slab) noexcept {
-    local_ = nullptr;
-    auto * const own = static_cast<Slab *>(slab);
+    std::unique_ptr<Slab> const own(static_cast<Slab *>(slab));
     own->giveBack();
-    delete own;
 }
 
 bool Slab::refill(std::size_t c) noexcept {

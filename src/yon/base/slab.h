@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <new>
 
+#include "yon/platform/threads.h"
+
 // Under the memory sanitizers every block comes from the heap, so that they see its life.
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
@@ -26,9 +28,9 @@ class Slab {
 public:
     static constexpr std::size_t largest = 64;
 
-    /// The calling thread's lists. Fetch it once for a long piece of work.
-    static Slab & local() noexcept {
-        Slab * const own = local_;
+    /// The calling thread's lists. Fetch it once for a long piece of work. Raises `std::bad_alloc`.
+    static Slab & local() {
+        auto * const own = static_cast<Slab *>(platform::slot(platform::Slot::pool));
         return own != nullptr ? *own : make();
     }
 
@@ -82,15 +84,12 @@ private:
     void * carve(std::size_t c);
     void overflow(std::size_t c) noexcept;
     void giveBack() noexcept;
-    static Slab & make() noexcept;
+    [[gnu::cold]] static Slab & make();
     static void threadEnds(void * slab) noexcept;
 
     List lists_[classes];
     char * chunk_ = nullptr;
     std::size_t chunkLeft_ = 0;
-
-    /// On the heap, so that it is still there when the end of the thread gives its blocks back.
-    static thread_local constinit Slab * local_;
 };
 
 }  // namespace yon

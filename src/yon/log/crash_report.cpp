@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <exception>
 #include <iterator>
+#include <string_view>
 #include <typeinfo>
 
 #include "yon/base/exception.h"
@@ -19,7 +20,6 @@
 #include "yon/platform/fork.h"
 #include "yon/platform/locks.h"
 #include "yon/platform/platform.h"
-#include "yon/string/filename.h"
 
 namespace yon {
 
@@ -173,12 +173,15 @@ bool onSystemCrash(platform::CrashCause const & cause) noexcept { return handle(
     std::abort();
 }
 
+/// How much of a path is its directory, with the separator.
+std::size_t directorySize(std::string_view path) noexcept { return path.find_last_of("/\\") + 1; }
+
 String defaultName() {
-    String const name =
-        Filename(istr(program)).file() + "." + std::to_string(platform::currentProcessId()) + ".crash.pml";
-    String const log = logger_factory::yon().filename();
-    std::size_t const directory = log.find_last_of("/\\");
-    return directory == log.npos ? name : String(log.substr(0, directory + 1) + name);
+    std::string const log = logger_factory::yon().filename();
+    std::string_view const path = program;
+    std::string name = log.substr(0, directorySize(log));
+    name.append(path.substr(directorySize(path)));
+    return name + "." + std::to_string(platform::currentProcessId()) + ".crash.pml";
 }
 
 }  // namespace

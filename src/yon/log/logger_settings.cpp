@@ -125,32 +125,46 @@ void logger::take(ConfigFile & file) {
     ConfigTrouble::forget();
     if (file.empty()) return;
     pml::stream settings = file.logSettings(idText());
-    enable(true);
-    codec(settings);
     bool wanted = true;
     settings & field("enable", wanted);
-    if (!wanted) enable(false);
+    enable(wanted, settings);
+    codec(settings);
 }
 
-/// Puts out every category and both files, or sets them to what they were before that.
-void logger::enable(bool b) {
-    static constexpr std::atomic<bool> logger::*switches[] = {
-        &logger::debugOn_,        &logger::traceOn_,   &logger::dataLogOn_, &logger::debugLogOn_,
-        &logger::traceLogOn_,     &logger::diagLogOn_, &logger::cmdLogOn_,  &logger::commLogOn_,
-        &logger::hbLogOn_,        &logger::appLogOn_,  &logger::msgLogOn_,  &logger::useLogfile_,
-        &logger::useDebugLogfile_};
+/// Has the settings put out every category and both files, or set them to what they were before that. The switches
+/// themselves stay for now: threads that log see none that is on for a moment.
+void logger::enable(bool b, pml::stream & settings) {
+    static constexpr struct {
+        char const * key;
+        std::atomic<bool> logger::*which;
+    } switches[] = {
+        {"debugOn", &logger::debugOn_},
+        {"traceOn", &logger::traceOn_},
+        {"dataLogOn", &logger::dataLogOn_},
+        {"debugLogOn", &logger::debugLogOn_},
+        {"traceLogOn", &logger::traceLogOn_},
+        {"diagLogOn", &logger::diagLogOn_},
+        {"cmdLogOn", &logger::cmdLogOn_},
+        {"commLogOn", &logger::commLogOn_},
+        {"hbLogOn", &logger::hbLogOn_},
+        {"appLogOn", &logger::appLogOn_},
+        {"msgLogOn", &logger::msgLogOn_},
+        {"useLogfile", &logger::useLogfile_},
+        {"useDebugLogfile", &logger::useDebugLogfile_},
+    };
     std::lock_guard const guard(impl_->names);
-    std::vector<bool> & saved = impl_->disabled;
-    if (b == saved.empty()) return;
-    if (b) {
-        for (std::size_t i = 0; i < std::size(switches); ++i) set(this->*switches[i], saved[i]);
-        saved.clear();
-    } else {
-        for (auto const which : switches) {
-            saved.push_back(on(this->*which));
-            set(this->*which, false);
-        }
+    std::vector<bool> saved = impl_->disabled;
+    bool const wasOn = saved.empty();
+    if (b && wasOn) return;
+    saved.resize(std::size(switches));
+    for (std::size_t i = 0; i < saved.size(); ++i) {
+        bool value = wasOn ? on(this->*switches[i].which) : saved[i];
+        settings & field(switches[i].key, value);
+        settings[switches[i].key] << (b && value);
+        saved[i] = value;
     }
+    if (b) saved.clear();
+    saved.swap(impl_->disabled);
 }
 
 void logger::codec(pml::stream & s) {

@@ -37,8 +37,10 @@ void pauseThread(longlong microseconds) noexcept;
 
 // --- what the library keeps for each thread ---
 
-enum class Slot { info, callStack, thread };
-inline constexpr int slotCount = 3;
+/// In the order in which they end: the pool takes back what others release, and nobody sees the end of a thread
+/// before it.
+enum class Slot { info, callStack, pool, thread };
+inline constexpr int slotCount = 4;
 
 struct Slots {
     void * value[slotCount];
@@ -55,7 +57,11 @@ inline void * slot(Slot s) noexcept { return slots.value[static_cast<int>(s)]; }
 #endif
 
 /// Sets it; false when the memory is used up. When the thread ends, values other than null are taken out of their
-/// slots and given to their `end`, which may set slots again. Not called when the process ends.
+/// slots and given to their `end`, which may set slots again. Not called when the process ends or the library is
+/// unloaded before.
+///
+/// Destructors of thread-local objects cannot do this everywhere: where the compiler emulates thread-local storage,
+/// the storage is released before they run.
 bool setSlot(Slot s, void * value, void (*end)(void *)) noexcept;
 
 }  // namespace yon::platform
