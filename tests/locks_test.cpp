@@ -239,7 +239,11 @@ TEST(RWRecMutex, ChangesBetweenReadingAndWriting) {
     }
     rw.upgrade();
     EXPECT_FALSE(readable());
-    rw.downgrade();
+    {
+        InThreads const waiting(1, [&](int) { ReadLock const lock(rw); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        rw.downgrade();
+    }
     EXPECT_TRUE(rw.timedUpgrade(Time()));
     rw.downgrade();
     std::atomic<bool> upgrading{false};

@@ -113,9 +113,7 @@ TEST(PmlStream, SourcesAndQuestions) {
     Unit unit("mine");
     unit << s;
     stream back;
-    EXPECT_TRUE(unit >> back);
-    EXPECT_EQ(back.str(), s.str());
-    EXPECT_EQ(unit.name(), "mine");
+    EXPECT_TRUE(unit >> back && back.str() == s.str() && unit.name() == "mine");
     EXPECT_THROW(s.from("a:x)", false), std::invalid_argument);
 }
 

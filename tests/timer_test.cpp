@@ -7,7 +7,6 @@
 #include <random>
 #include <set>
 #include <sstream>
-#include <stdexcept>
 
 #include "record_testing.h"
 #include "thread_testing.h"
