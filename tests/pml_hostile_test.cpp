@@ -75,9 +75,8 @@ void checkDeep(std::string const & text) {
 
 TEST(PmlHostile, ManyDeep) {
     std::string const ends(many, ')');
-    for (std::string const & text :
-         {repeated("a(", many) + "1" + ends, repeated("(", many) + ends, repeated("a:t(b()", many) + ends,
-          repeated("a(", many) + "b()c()" + ends}) {
+    for (std::string const & text : {repeated("a(", many) + "1" + ends, repeated("(", many) + ends,
+                                     repeated("a:t(b()", many) + ends, repeated("a(", many) + "b()c()" + ends}) {
         std::thread([&text] { checkDeep(text); }).join();
     }
     // The layouts that indent, as deep as their output allows.
