@@ -15,7 +15,8 @@ namespace yon {
 namespace {
 
 TEST(StringSliceTest, ReadsToTheEndAndNotBeyond) {
-    StringSlice s("abc");
+    std::string const text("abc");
+    StringSlice s(text);
     EXPECT_TRUE(*s++ == 'a' && *++s == 'c' && s.cursor() == 2 && s.rest() == "c" && s.str() == "abc");
     for (ulong const n : {ulong{2}, npos, npos - 1}) EXPECT_THROW(s.advance(n), OutOfRangeException);
     EXPECT_EQ(s.left(), 1u);
