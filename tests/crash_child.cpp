@@ -82,6 +82,7 @@ struct Late {
 } late;
 
 void exitLate() {
+    static std::atomic<int> paused{0};
     log().mlcOn(true);
     yon::TimerManager::instance()->start();
     std::atexit([] { YON_LOG_INFO(log(), "from an exit handler"); });
@@ -91,10 +92,12 @@ void exitLate() {
                 YON_LOG_DATA(log(), "thread " << t << " line " << n);
                 YON_DELETE(YON_NEW(int)());
                 // Wine does not survive that threads are ended while they open files at this pace.
+                if (n == 200) ++paused;
                 if (n >= 200) std::this_thread::sleep_for(std::chrono::milliseconds(2));
             }
         }).detach();
     }
+    while (paused < 3) std::this_thread::yield();
     YON_LOG_INFO(log(), "before the exit");
     std::exit(0);
 }
