@@ -1,3 +1,5 @@
+#include <sched.h>
+
 #include <cerrno>
 #include <climits>
 
@@ -13,7 +15,9 @@ using Word = std::atomic_ref<ulonglong>;
 constexpr ulonglong oneWaiter = 1ull << 32;
 constexpr ulonglong invalid = 1ull << 31;  ///< a count that cannot be
 
-constexpr int spins = 10;  ///< a count rarely comes within the time that a change of threads takes
+// Sleeping and waking take longer than a count that is about to come: others get the processor a few times first.
+constexpr int spins = 10;
+constexpr int yields = 4;
 
 ulonglong countOf(ulonglong state) noexcept { return state % oneWaiter; }
 
@@ -31,8 +35,8 @@ bool take(Word word, ulonglong waiters) noexcept {
 
 [[gnu::noinline]] int waitForCount(ulonglong & semaphore, timespec const * time) noexcept {
     Word const word(semaphore);
-    for (int i = 0; i < spins; ++i) {
-        spinPause();
+    for (int i = 0; i < spins + yields; ++i) {
+        i < spins ? spinPause() : static_cast<void>(::sched_yield());
         if (take(word, 0)) return done;
     }
     word.fetch_add(oneWaiter, std::memory_order_relaxed);
