@@ -8,8 +8,8 @@ namespace yon {
 /// come last, as they stand. Callable from a signal handler.
 void emergencyFlush() noexcept;
 
-/// Has the lines written when the process crashes, with a crash report or without one; where there is none, the
-/// program's own handlers come first. Called when a file gets its name, by any thread.
+/// Has the lines written when the process crashes, also without a crash report: then as far as the program has no
+/// handler of its own for the signal. Called when a file gets its name, by any thread.
 void saveLinesInCrashes() noexcept;
 /// The process ends, or the library goes.
 void endSavingLines() noexcept;

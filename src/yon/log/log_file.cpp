@@ -255,7 +255,7 @@ void LogFile::close() noexcept {
 
 bool LogFile::writeRaw(Raw how) noexcept {
     if (!wanted_.load(std::memory_order_relaxed) || !named_.load(std::memory_order_relaxed)) return true;
-    bool const locked = how == Raw::locked && tryLockFor(cacheLock_, rawPatience);
+    bool const locked = tryLockFor(cacheLock_, rawPatience);
     if (!locked && how == Raw::locked) return false;
     // Where a batch is being written, perhaps by the very thread that crashed, the file is opened a second time.
     bool const own = tryLockFor(fileLock_, rawPatience);

@@ -68,8 +68,8 @@ public:
     void takeOver() noexcept;
     /// Closes the file until it is needed again.
     void close() noexcept;
-    /// Whether the cache is locked when it is written raw. One that cannot be locked, because a thread has crashed
-    /// while it appended a line, is whole but for that line.
+    /// Whether only a cache that can be locked is written. One that cannot, because its thread has crashed while it
+    /// appended a line, is whole but for that line.
     enum class Raw { locked, asItStands };
     /// Writes the cached lines without memory, and without waiting for a lock for long. Returns false if the cache
     /// could not be locked. Callable from a signal handler.
